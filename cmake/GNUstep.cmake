@@ -1,0 +1,30 @@
+# GNUstep's Foundation and AppKit as the target `gnustep`, and its preference pane framework as `preferencepanes`.
+find_program(GNUSTEP_CONFIG gnustep-config REQUIRED)
+execute_process(COMMAND ${GNUSTEP_CONFIG} --objc-flags OUTPUT_VARIABLE objc_flags OUTPUT_STRIP_TRAILING_WHITESPACE
+                COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${GNUSTEP_CONFIG} --gui-libs OUTPUT_VARIABLE gui_libs OUTPUT_STRIP_TRAILING_WHITESPACE
+                COMMAND_ERROR_IS_FATAL ANY)
+separate_arguments(objc_flags)
+separate_arguments(gui_libs)
+
+# Dependency files, optimisation and debug information are the build type's business; include folders become system
+# ones, so that our warnings stop at our own code.
+set(gnustep_includes ${objc_flags})
+list(FILTER gnustep_includes INCLUDE REGEX "^-I/")
+list(TRANSFORM gnustep_includes REPLACE "^-I" "")
+list(FILTER objc_flags EXCLUDE REGEX "^-(I|MMD|MP|g|O|Wall)")
+
+add_library(gnustep INTERFACE)
+target_compile_options(gnustep INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:${objc_flags}>")
+target_include_directories(gnustep SYSTEM INTERFACE ${gnustep_includes})
+target_link_libraries(gnustep INTERFACE ${gui_libs})
+
+# clang doesn't look where gcc keeps the headers of the Objective-C runtime that both share.
+if(CMAKE_OBJCXX_COMPILER_ID MATCHES Clang)
+    execute_process(COMMAND gcc -print-file-name=include OUTPUT_VARIABLE gcc_include
+                    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    target_compile_options(gnustep INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:SHELL:-idirafter ${gcc_include}>")
+endif()
+
+add_library(preferencepanes INTERFACE)
+target_link_libraries(preferencepanes INTERFACE gnustep PreferencePanes)

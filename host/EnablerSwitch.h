@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/Alerts.h"
+#include "platform/Controls.h"
+#include "platform/Files.h"
+#include "platform/Log.h"
+#include "settings/SettingsStore.h"
+
+namespace vantrel {
+
+namespace enablerPaths {
+
+/// Final Cut Pro's version record, a property list.
+inline constexpr std::string_view versionRecord = "/Applications/Final Cut Pro.app/Contents/version.plist";
+
+/// The enabler that Final Cut Pro reads.
+inline constexpr std::string_view active =
+    "/Applications/Final Cut Pro.app/Contents/Resources/Non-Localized Settings/FXScripts/Enablers/"
+    "RT Software Enabler.txt";
+
+/// Where Final Cut Pro's own enabler waits while ours is active.
+inline constexpr std::string_view backup =
+    "/Applications/Final Cut Pro.app/Contents/Resources/Non-Localized Settings/FXScripts/Enablers/"
+    "RT Software EnablerA.txt";
+
+/// The enabler that the codec's installation brings for one version of Final Cut Pro; the tag is the version without
+/// its points. The folder's second capital is how the installer has always spelled it.
+std::string versionEnabler(std::string_view versionTag);
+
+}  // namespace enablerPaths
+
+/// Swaps Final Cut Pro's real-time enabler for the one that came with the codec, and back.
+///
+///     switched on:   active -> backup,  copy of version enabler -> active
+///     switched off:  active deleted,    backup -> active
+///
+/// Final Cut Pro's own file is only ever moved, so it always exists whole as the active or the backup enabler. The
+/// key "fcpRTEnableSwap" is written after a success only; after a failure the check box goes back to what holds.
+class EnablerSwitch {
+public:
+    EnablerSwitch(Files& files, Alerts& alerts, Log& log, SettingsStore& store)
+        : files_(files), alerts_(alerts), log_(log), store_(store) {}
+
+    /// Carries out a click on `control`, which already shows the state that the user chose. Without a Final Cut Pro
+    /// of a version that there is an enabler for, an alert says so, and the check box goes off, whichever way it was
+    /// clicked. A file operation that fails is logged, and the check box springs back.
+    void clicked(CheckBox& control);
+
+private:
+    std::optional<std::string> findVersionEnabler();
+    bool switchOn(const std::string& versionEnabler);
+    bool switchOff();
+
+    Files& files_;
+    Alerts& alerts_;
+    Log& log_;
+    SettingsStore& store_;
+};
+
+}  // namespace vantrel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace vantrel {
+
+/// What an alert says; it has the platform's one default button.
+struct Alert {
+    std::string messageText;
+    std::optional<std::string> informativeText;
+};
+
+/// Alerts for the user.
+class Alerts {
+public:
+    virtual ~Alerts() = default;
+
+    /// Shows a fresh alert, modal for the whole application, and returns when the user has dismissed it.
+    virtual void runModal(const Alert& alert) = 0;
+};
+
+}  // namespace vantrel

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vantrel {
+
+/// Control states as the platform numbers them; a check box that shows neither is in the mixed state.
+inline constexpr long mixedState = -1;
+inline constexpr long offState = 0;
+inline constexpr long onState = 1;
+
+/// Whether a state counts as on: its lowest byte, as the platform's signed 8-bit Boolean, is not 0. The mixed state
+/// counts.
+constexpr bool truthOf(long state) {
+    return static_cast<std::int8_t>(state) != 0;
+}
+
+/// A check box.
+class CheckBox {
+public:
+    virtual ~CheckBox() = default;
+    virtual long state() const = 0;
+    virtual void setState(long state) = 0;
+    virtual void setEnabled(bool enabled) = 0;
+};
+
+/// A matrix of radio buttons. Rows and columns count from 0 at the top left.
+class RadioMatrix {
+public:
+    virtual ~RadioMatrix() = default;
+    virtual long numberOfRows() const = 0;
+    /// The selected row, or -1 when none is.
+    virtual long selectedRow() const = 0;
+    virtual void selectCellAtRow(long row, long column) = 0;
+    /// Sets one cell's state; in a radio matrix, switching a cell on selects it.
+    virtual void setStateAtRow(long state, long row, long column) = 0;
+};
+
+/// A pop-up menu. Items count from 0 at the top.
+class PopUpButton {
+public:
+    virtual ~PopUpButton() = default;
+    virtual void removeAllItems() = 0;
+    virtual void addItemWithTitle(std::string_view title) = 0;
+    /// The selected item, or -1 when none is.
+    virtual long indexOfSelectedItem() const = 0;
+    /// An index outside the items leaves the menu in the state that the platform gives it.
+    virtual void selectItemAtIndex(long index) = 0;
+};
+
+/// A field of text, UTF-8 here.
+class TextField {
+public:
+    virtual ~TextField() = default;
+    virtual std::string stringValue() const = 0;
+    virtual void setStringValue(std::string_view text) = 0;
+    /// Whether the field is the one being edited: it has the window's field editor.
+    virtual bool hasCurrentEditor() const = 0;
+};
+
+/// A push button.
+class PushButton {
+public:
+    virtual ~PushButton() = default;
+    virtual void setEnabled(bool enabled) = 0;
+};
+
+/// A text that the pane keeps, or nothing.
+class OwnedString {
+public:
+    virtual ~OwnedString() = default;
+    virtual std::optional<std::string> value() const = 0;
+    /// Keeps a copy of `text` and lets go of the text kept before.
+    virtual void set(std::string_view text) = 0;
+    virtual void clear() = 0;
+};
+
+}  // namespace vantrel

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "platform/Preferences.h"
+#include "platform/memory/Journal.h"
+
+namespace vantrel::memory {
+
+/// How a value reads in the journal: `true`, `46`, `"text"`.
+inline std::string describe(const NewPreferenceValue& value) {
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
+    if (const auto* number = std::get_if<long>(&value)) return std::to_string(*number);
+    return '"' + std::get<std::string>(value) + '"';
+}
+
+/// Preferences in memory. Records "read KEY", "write KEY = VALUE" and "synchronize".
+class MemoryPreferences : public Preferences {
+public:
+    using Domain = std::map<std::string, PreferenceValue, std::less<>>;
+
+    explicit MemoryPreferences(Journal& journal) : journal_(journal) {}
+
+    PreferenceValue copyAppValue(std::string_view key, std::string_view applicationID) override {
+        journal_.record("read " + std::string(key));
+        const auto& domain = domains_[std::string(applicationID)];
+        const auto found = domain.find(key);
+        return found == domain.end() ? Absent{} : found->second;
+    }
+
+    void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) override {
+        journal_.record("write " + std::string(key) + " = " + describe(value));
+        domains_[std::string(applicationID)].insert_or_assign(std::string(key), asRead(value));
+    }
+
+    bool synchronize(std::string_view applicationID) override {
+        journal_.record("synchronize");
+        synchronized_[std::string(applicationID)] = domains_[std::string(applicationID)];
+        return true;
+    }
+
+    /// What a read in this process finds.
+    Domain& domain(const std::string& applicationID) { return domains_[applicationID]; }
+
+    /// What other processes find: the domain as it was last synchronised.
+    const Domain& synchronizedDomain(const std::string& applicationID) { return synchronized_[applicationID]; }
+
+private:
+    static PreferenceValue asRead(const NewPreferenceValue& value) {
+        if (const auto* flag = std::get_if<bool>(&value)) return *flag;
+        if (const auto* number = std::get_if<long>(&value)) return Number{*number};
+        return std::get<std::string>(value);
+    }
+
+    Journal& journal_;
+    std::map<std::string, Domain> domains_;
+    std::map<std::string, Domain> synchronized_;
+};
+
+}  // namespace vantrel::memory

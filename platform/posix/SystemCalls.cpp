@@ -1,0 +1,92 @@
+#include "platform/posix/SystemCalls.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace vantrel::posix {
+
+int SystemCalls::open(const char* path, int flags, mode_t mode) {
+    return ::open(path, flags, mode);
+}
+
+int SystemCalls::close(int descriptor) {
+    return ::close(descriptor);
+}
+
+ssize_t SystemCalls::read(int descriptor, void* buffer, std::size_t size) {
+    return ::read(descriptor, buffer, size);
+}
+
+ssize_t SystemCalls::write(int descriptor, const void* buffer, std::size_t size) {
+    return ::write(descriptor, buffer, size);
+}
+
+int SystemCalls::fsync(int descriptor) {
+    return ::fsync(descriptor);
+}
+
+int SystemCalls::fchmod(int descriptor, mode_t mode) {
+    return ::fchmod(descriptor, mode);
+}
+
+int SystemCalls::fstat(int descriptor, struct stat* status) {
+    return ::fstat(descriptor, status);
+}
+
+int SystemCalls::stat(const char* path, struct stat* status) {
+    return ::stat(path, status);
+}
+
+int SystemCalls::lstat(const char* path, struct stat* status) {
+    return ::lstat(path, status);
+}
+
+ssize_t SystemCalls::readlink(const char* path, char* buffer, std::size_t size) {
+    return ::readlink(path, buffer, size);
+}
+
+int SystemCalls::mkostemp(char* pathTemplate) {
+    return ::mkostemp(pathTemplate, O_CLOEXEC);
+}
+
+int SystemCalls::rename(const char* from, const char* to) {
+    return ::rename(from, to);
+}
+
+int SystemCalls::renameNoReplace(const char* from, const char* to) {
+#ifdef __APPLE__
+    return ::renamex_np(from, to, RENAME_EXCL);
+#else
+    return ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+#endif
+}
+
+int SystemCalls::unlink(const char* path) {
+    return ::unlink(path);
+}
+
+int SystemCalls::mkdir(const char* path, mode_t mode) {
+    return ::mkdir(path, mode);
+}
+
+int SystemCalls::rmdir(const char* path) {
+    return ::rmdir(path);
+}
+
+int SystemCalls::nanosleep(const struct timespec& duration) {
+    return ::nanosleep(&duration, nullptr);
+}
+
+int SystemCalls::clockGettime(clockid_t clock, struct timespec* time) {
+    return ::clock_gettime(clock, time);
+}
+
+SystemCalls& SystemCalls::real() {
+    static SystemCalls calls;
+    return calls;
+}
+
+}  // namespace vantrel::posix

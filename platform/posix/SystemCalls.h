@@ -1,0 +1,42 @@
+#pragma once
+
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include <cstddef>
+#include <ctime>
+
+namespace vantrel::posix {
+
+/// Every system call that this folder makes on files. Each behaves as the call of its name: -1 and `errno` on
+/// failure. A test derives from it to make one call fail, or to see which were made.
+class SystemCalls {
+public:
+    virtual ~SystemCalls() = default;
+
+    virtual int open(const char* path, int flags, mode_t mode = 0);
+    virtual int close(int descriptor);
+    virtual ssize_t read(int descriptor, void* buffer, std::size_t size);
+    virtual ssize_t write(int descriptor, const void* buffer, std::size_t size);
+    virtual int fsync(int descriptor);
+    virtual int fchmod(int descriptor, mode_t mode);
+    virtual int fstat(int descriptor, struct stat* status);
+    virtual int stat(const char* path, struct stat* status);
+    virtual int lstat(const char* path, struct stat* status);
+    virtual ssize_t readlink(const char* path, char* buffer, std::size_t size);
+    /// Creates and opens a file of a new name, mode 0600, close-on-exec; replaces the six X of `pathTemplate`.
+    virtual int mkostemp(char* pathTemplate);
+    virtual int rename(const char* from, const char* to);
+    /// Renames only if nothing stands at `to`, decided by the kernel in one step; EEXIST otherwise.
+    virtual int renameNoReplace(const char* from, const char* to);
+    virtual int unlink(const char* path);
+    virtual int mkdir(const char* path, mode_t mode);
+    virtual int rmdir(const char* path);
+    virtual int nanosleep(const struct timespec& duration);
+    virtual int clockGettime(clockid_t clock, struct timespec* time);
+
+    /// The system itself.
+    static SystemCalls& real();
+};
+
+}  // namespace vantrel::posix

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+/// The bits of the key `ColorProcessingPath`, the codec's summary of the colour-processing choices:
+///
+///     bit  0      set together with any stage that is switched on by its check box; never cleared
+///     bit  1      colour matrix          bit  2      white balance
+///     bit  3      look                   bit  5      gamma
+///     bits 16-19  presentation demosaic  bits 20-23  render demosaic
+///
+/// The other bits belong to nobody here. All arithmetic is done on 32 bits and widened to the stored `long`
+/// afterwards. `stored` is nothing where the key is absent, not a number, or not readable as a `long`.
+namespace vantrel::colorProcessingPath {
+
+inline constexpr std::int32_t colorMatrixBit = 1;
+inline constexpr std::int32_t whiteBalanceBit = 2;
+inline constexpr std::int32_t lookBit = 3;
+inline constexpr std::int32_t gammaBit = 5;
+
+/// Four bits for a demosaic method, 0 to 15.
+struct DemosaicField {
+    int shift;
+    constexpr std::uint32_t mask() const { return std::uint32_t{0xF} << shift; }
+};
+
+inline constexpr DemosaicField presentationDemosaic{16};
+inline constexpr DemosaicField renderDemosaic{20};
+
+/// 1 shifted left by `bit` modulo 32, sign-extended: bit 31 covers the upper half of a 64-bit `long` as well.
+constexpr long maskOfBit(std::int32_t bit) {
+    return static_cast<std::int32_t>(std::uint32_t{1} << (static_cast<std::uint32_t>(bit) % 32));
+}
+
+/// The value after a stage was switched on: its bit and bit 0 added, from 0 when nothing is stored.
+constexpr long withBitSet(std::optional<long> stored, std::int32_t bit) {
+    return stored.value_or(0) | maskOfBit(bit) | 1;
+}
+
+/// The value after a stage was switched off: its bit removed, bit 0 kept; 0 when nothing is stored.
+constexpr long withBitCleared(std::optional<long> stored, std::int32_t bit) {
+    return stored.value_or(0) & ~maskOfBit(bit);
+}
+
+/// The value after a demosaic method was chosen. Bits above bit 31 are dropped. When nothing is stored, the field is
+/// all there is: the stage bits stay zero whatever the check boxes show.
+constexpr long withDemosaic(std::optional<long> stored, DemosaicField field, std::uint32_t method) {
+    const auto kept = static_cast<std::uint32_t>(stored.value_or(0)) & ~field.mask();
+    return static_cast<long>(kept | ((method << field.shift) & field.mask()));
+}
+
+}  // namespace vantrel::colorProcessingPath
