@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/Preferences.h"
+
+namespace vantrel::apple {
+
+/// CoreFoundation's preferences, call for call: reads search the current user's domains, writes and synchronises go
+/// to the current user on any host.
+class ApplePreferences : public Preferences {
+public:
+    PreferenceValue copyAppValue(std::string_view key, std::string_view applicationID) override;
+    void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) override;
+    bool synchronize(std::string_view applicationID) override;
+};
+
+}  // namespace vantrel::apple

@@ -1,0 +1,39 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include "platform/Alerts.h"
+#include "platform/Bundle.h"
+#include "platform/Log.h"
+#include "platform/Notifications.h"
+
+namespace vantrel::cocoa {
+
+class CocoaAlerts : public Alerts {
+   public:
+    void runModal(const Alert &alert) override;
+};
+
+class CocoaLog : public Log {
+   public:
+    void log(std::string_view line) override;
+};
+
+class CocoaNotifications : public Notifications {
+   public:
+    void postNotificationName(std::string_view name, std::string_view object, bool deliverImmediately) override;
+};
+
+class CocoaBundle : public Bundle {
+   public:
+    /// Serves while `bundle` lives.
+    explicit CocoaBundle(NSBundle *bundle) : bundle_(bundle) {}
+
+    std::string localizedStringForKey(std::string_view key, std::string_view value) override;
+    std::optional<std::string> infoString(std::string_view key) override;
+
+   private:
+    NSBundle *bundle_;
+};
+
+}  // namespace vantrel::cocoa

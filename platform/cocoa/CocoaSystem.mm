@@ -1,0 +1,38 @@
+#import "platform/cocoa/CocoaSystem.h"
+
+#import <AppKit/AppKit.h>
+
+#import "platform/cocoa/CocoaText.h"
+
+namespace vantrel::cocoa {
+
+void CocoaAlerts::runModal(const Alert &alert) {
+    NSAlert *panel = [NSAlert new];
+    [panel setMessageText:toNSString(alert.messageText)];
+    if (alert.informativeText) [panel setInformativeText:toNSString(*alert.informativeText)];
+    [panel runModal];
+    [panel release];
+}
+
+void CocoaLog::log(std::string_view line) {
+    NSLog(@"%@", toNSString(line));
+}
+
+void CocoaNotifications::postNotificationName(std::string_view name, std::string_view object, bool deliverImmediately) {
+    [[NSDistributedNotificationCenter defaultCenter] postNotificationName:toNSString(name)
+                                                                   object:toNSString(object)
+                                                                 userInfo:nil
+                                                       deliverImmediately:deliverImmediately];
+}
+
+std::string CocoaBundle::localizedStringForKey(std::string_view key, std::string_view value) {
+    return toUTF8([bundle_ localizedStringForKey:toNSString(key) value:toNSString(value) table:nil]);
+}
+
+std::optional<std::string> CocoaBundle::infoString(std::string_view key) {
+    id value = [[bundle_ infoDictionary] objectForKey:toNSString(key)];
+    if (![value isKindOfClass:[NSString class]]) return std::nullopt;
+    return toUTF8(value);
+}
+
+}  // namespace vantrel::cocoa
