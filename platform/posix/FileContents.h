@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "platform/posix/SystemCalls.h"
+
+namespace vantrel::posix {
+
+/// As `read`, but goes on when a signal interrupts it.
+ssize_t readOnce(SystemCalls& calls, int descriptor, void* buffer, std::size_t size);
+
+/// Writes all of it: 0, or -1 and `errno`.
+int writeAll(SystemCalls& calls, int descriptor, const char* bytes, std::size_t size);
+
+/// Opens a file to read it. -1 and `errno` on failure, with EISDIR for a folder and ENODEV for anything else that is
+/// not a file: a pipe, which could keep us waiting, or a device. `status` is told about the file.
+int openToRead(SystemCalls& calls, const std::string& path, struct stat& status);
+
+/// What is in the file at `path`. Nothing when it is missing, can't be read, isn't a file, or is longer than
+/// `mostBytes`.
+std::optional<std::string> contentsOfFile(SystemCalls& calls, const std::string& path, std::size_t mostBytes);
+
+}  // namespace vantrel::posix

@@ -1,0 +1,551 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "platform/posix/PosixFiles.h"
+#include "tests/platform/posix/FaultySystemCalls.h"
+#include "tests/platform/posix/TemporaryFolder.h"
+
+namespace vantrel::posix {
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::IsEmpty;
+using testing::Optional;
+using testing::Pair;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+struct stat statusOf(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
+    return status;
+}
+
+mode_t modeOf(const std::string& path) {
+    return statusOf(path).st_mode & 07777;
+}
+
+bool isLink(const std::string& path) {
+    return S_ISLNK(statusOf(path).st_mode);
+}
+
+/// A folder that holds the file "own" and nothing else, and files whose system calls can be made to fail.
+struct PosixFilesTest : testing::Test {
+    PosixFilesTest() { folder.write("own", "its content"); }
+
+    void makeLink(const std::string& leadsTo, const std::string& name) {
+        ASSERT_EQ(symlink(leadsTo.c_str(), (folder / name).c_str()), 0);
+    }
+
+    /// What `files` says of "own" when it couldn't be `what`, "moved" or "copied", to somewhere in the folder.
+    std::string couldNotBe(const std::string& what, const std::string& why) const {
+        return "“own” couldn’t be " + what + " to “" + folder.name() + "” because " + why;
+    }
+
+    TemporaryFolder folder;
+    FaultySystemCalls calls;
+    PosixFiles files{calls};
+};
+
+// What exists
+
+using PosixFilesExistence = PosixFilesTest;
+
+TEST_F(PosixFilesExistence, AFileExists) {
+    EXPECT_TRUE(files.fileExistsAtPath(folder / "own"));
+}
+
+TEST_F(PosixFilesExistence, AFolderExists) {
+    EXPECT_TRUE(files.fileExistsAtPath(folder.path));
+}
+
+TEST_F(PosixFilesExistence, ALinkToAFileExists) {
+    makeLink("own", "link");
+    EXPECT_TRUE(files.fileExistsAtPath(folder / "link"));
+}
+
+TEST_F(PosixFilesExistence, ALinkThatLeadsNowhereDoesNotExist) {
+    makeLink("missing", "link");
+    EXPECT_FALSE(files.fileExistsAtPath(folder / "link"));
+}
+
+TEST_F(PosixFilesExistence, AMissingFileDoesNotExist) {
+    EXPECT_FALSE(files.fileExistsAtPath(folder / "missing"));
+}
+
+TEST_F(PosixFilesExistence, WhatMayNotBeLookedAtDoesNotExist) {
+    calls.fail("stat", EACCES);
+    EXPECT_FALSE(files.fileExistsAtPath(folder / "own"));
+}
+
+TEST_F(PosixFilesExistence, APathThatGoesOnBehindAZeroDoesNotExist) {
+    EXPECT_FALSE(files.fileExistsAtPath((folder / "own") + std::string(1, '\0') + "703.txt"));
+}
+
+// Property lists
+
+using PosixFilesDictionary = PosixFilesTest;
+
+std::string xmlList(const std::string& top) {
+    return R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+)" + top + "\n</plist>\n";
+}
+
+const std::string versionDictionary = "<dict><key>CFBundleVersion</key><string>7.0.3</string></dict>";
+
+/// The dictionary of `versionDictionary` as a binary list: a head, the dictionary with one reference to each of its two
+/// texts, those, a table of where the three start, and 32 bytes that tell the sizes.
+const std::string binaryVersionList = std::string("bplist00") + "\xD1\x01\x02" + "\x5F\x10\x0F" + "CFBundleVersion" +
+                                      "\x55" + "7.0.3" + "\x08\x0B\x1D" +
+                                      std::string(
+                                          "\0\0\0\0\0\0\x01\x01"
+                                          "\0\0\0\0\0\0\0\x03"
+                                          "\0\0\0\0\0\0\0\0"
+                                          "\0\0\0\0\0\0\0\x23",
+                                          32);
+
+TEST_F(PosixFilesDictionary, IsReadFromAnXMLList) {
+    folder.write("list", xmlList(versionDictionary));
+    EXPECT_THAT(files.dictionaryWithContentsOfFile(folder / "list"),
+                Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
+}
+
+TEST_F(PosixFilesDictionary, IsReadFromABinaryList) {
+    folder.write("list", binaryVersionList);
+    EXPECT_THAT(files.dictionaryWithContentsOfFile(folder / "list"),
+                Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
+}
+
+TEST_F(PosixFilesDictionary, IsReadThroughALink) {
+    folder.write("list", binaryVersionList);
+    makeLink("list", "link");
+    EXPECT_THAT(files.dictionaryWithContentsOfFile(folder / "link"),
+                Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
+}
+
+TEST_F(PosixFilesDictionary, ListsStringsAlone) {
+    folder.write("list", xmlList("<dict><key>array</key><array><string>in it</string></array>"
+                                 "<key>flag</key><true/>"
+                                 "<key>number</key><integer>703</integer>"
+                                 "<key>real</key><real>7.03</real>"
+                                 "<key>data</key><data>NzAz</data>"
+                                 "<key>date</key><date>2009-11-18T00:00:00Z</date>"
+                                 "<key>inner</key><dict><key>text</key><string>in it</string></dict>"
+                                 "<key>text</key><string>é &amp; 日本</string>"
+                                 "<key>empty</key><string></string></dict>"));
+    EXPECT_THAT(files.dictionaryWithContentsOfFile(folder / "list"),
+                Optional(ElementsAre(Pair("empty", ""), Pair("text", "é & 日本"))));
+}
+
+TEST_F(PosixFilesDictionary, MayBeEmpty) {
+    folder.write("list", xmlList("<dict/>"));
+    EXPECT_THAT(files.dictionaryWithContentsOfFile(folder / "list"), Optional(IsEmpty()));
+}
+
+class PosixFilesNoDictionary : public PosixFilesTest, public testing::WithParamInterface<std::string> {};
+
+TEST_P(PosixFilesNoDictionary, GivesNothing) {
+    folder.write("list", GetParam());
+    EXPECT_EQ(files.dictionaryWithContentsOfFile(folder / "list"), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(Contents, PosixFilesNoDictionary,
+                         testing::Values("", "garbage", std::string(4096, '\0'),
+                                         xmlList("<array><string>7.0.3</string></array>"),
+                                         xmlList("<string>7.0.3</string>"), xmlList(""), "bplist00",
+                                         xmlList(versionDictionary).substr(0, 200), binaryVersionList.substr(0, 60)));
+
+TEST_F(PosixFilesDictionary, IsNoneInAMissingFile) {
+    EXPECT_EQ(files.dictionaryWithContentsOfFile(folder / "missing"), std::nullopt);
+}
+
+TEST_F(PosixFilesDictionary, IsNoneInAFolder) {
+    EXPECT_EQ(files.dictionaryWithContentsOfFile(folder.path), std::nullopt);
+}
+
+TEST_F(PosixFilesDictionary, IsNoneInAPipeWhichIsNotWaitedFor) {
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(files.dictionaryWithContentsOfFile(folder / "pipe"), std::nullopt);
+}
+
+TEST_F(PosixFilesDictionary, IsNoneInAFileThatCannotBeRead) {
+    folder.write("list", xmlList(versionDictionary));
+    for (const std::string call : {"open", "fstat", "read"}) {
+        calls.fail(call, EACCES);
+        EXPECT_EQ(files.dictionaryWithContentsOfFile(folder / "list"), std::nullopt) << call;
+    }
+    EXPECT_NE(files.dictionaryWithContentsOfFile(folder / "list"), std::nullopt);
+}
+
+TEST_F(PosixFilesDictionary, IsNoneInAFileWhoseReadFailsHalfWay) {
+    folder.write("list", xmlList(versionDictionary));
+    calls.mostBytesAtOnce = 100;
+    calls.failNth("read", 2, EIO);
+    EXPECT_EQ(files.dictionaryWithContentsOfFile(folder / "list"), std::nullopt);
+}
+
+TEST_F(PosixFilesDictionary, IsReadUpToSixteenMebibytesAndNoFurther) {
+    const std::string list = xmlList(versionDictionary);
+    constexpr std::size_t largest = 16 * 1024 * 1024;
+    folder.write("list", list + std::string(largest - list.size(), ' '));
+    EXPECT_THAT(files.dictionaryWithContentsOfFile(folder / "list"),
+                Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
+    folder.write("list", list + std::string(largest - list.size() + 1, ' '));
+    EXPECT_EQ(files.dictionaryWithContentsOfFile(folder / "list"), std::nullopt);
+}
+
+// Moving
+
+using PosixFilesMove = PosixFilesTest;
+
+TEST_F(PosixFilesMove, IsOneSystemCall) {
+    EXPECT_EQ(files.moveItemAtPath(folder / "own", folder / "saved"), std::nullopt);
+    EXPECT_THAT(calls.made(), ElementsAre("renameNoReplace"));
+}
+
+TEST_F(PosixFilesMove, RenamesTheVeryFile) {
+    const auto number = statusOf(folder / "own").st_ino;
+    EXPECT_EQ(files.moveItemAtPath(folder / "own", folder / "saved"), std::nullopt);
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("saved"));
+    EXPECT_EQ(statusOf(folder / "saved").st_ino, number);
+}
+
+TEST_F(PosixFilesMove, TakesALinkAndNotWhatItLeadsTo) {
+    makeLink("own", "link");
+    EXPECT_EQ(files.moveItemAtPath(folder / "link", folder / "saved"), std::nullopt);
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "saved"));
+    EXPECT_TRUE(isLink(folder / "saved"));
+}
+
+TEST_F(PosixFilesMove, TakesALinkThatLeadsNowhere) {
+    makeLink("missing", "link");
+    EXPECT_EQ(files.moveItemAtPath(folder / "link", folder / "saved"), std::nullopt);
+    EXPECT_TRUE(isLink(folder / "saved"));
+}
+
+TEST_F(PosixFilesMove, OfAMissingFileFailsAndNamesTheFile) {
+    EXPECT_THAT(files.moveItemAtPath(folder / "missing", folder / "saved"),
+                Optional("“missing” couldn’t be moved to “" + folder.name() +
+                         "” because this doesn’t exist: " + (folder / "missing")));
+}
+
+TEST_F(PosixFilesMove, ToAMissingFolderFailsAndNamesTheFolder) {
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "none/saved"),
+                Optional("“own” couldn’t be moved to “none” because this doesn’t exist: " + (folder / "none")));
+    EXPECT_EQ(folder.read("own"), "its content");
+}
+
+TEST_F(PosixFilesMove, NeverOverwritesAFile) {
+    folder.write("saved", "precious");
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "saved"),
+                Optional(couldNotBe("moved", "this already exists: " + (folder / "saved"))));
+    EXPECT_EQ(folder.read("own"), "its content");
+    EXPECT_EQ(folder.read("saved"), "precious");
+}
+
+TEST_F(PosixFilesMove, NeverOverwritesAnEmptyFolder) {
+    folder.makeFolder("saved");
+    folder.makeFolder("other");
+    EXPECT_THAT(files.moveItemAtPath(folder / "other", folder / "saved"),
+                Optional(EndsWith("because this already exists: " + (folder / "saved"))));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "saved", "other"));
+}
+
+TEST_F(PosixFilesMove, NeverOverwritesALinkThatLeadsNowhere) {
+    makeLink("missing", "saved");
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "saved"),
+                Optional(couldNotBe("moved", "this already exists: " + (folder / "saved"))));
+    EXPECT_TRUE(isLink(folder / "saved"));
+    EXPECT_EQ(folder.read("own"), "its content");
+}
+
+TEST_F(PosixFilesMove, ToItselfFailsAndKeepsTheFile) {
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "own"), Optional(EndsWith(folder / "own")));
+    EXPECT_EQ(folder.read("own"), "its content");
+}
+
+TEST_F(PosixFilesMove, DoesNotOverwriteWhatAppearsAtTheLastMoment) {
+    calls.before = [&](const std::string&) { folder.write("saved", "precious"); };
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "saved"), Optional(EndsWith(folder / "saved")));
+    EXPECT_EQ(folder.read("own"), "its content");
+    EXPECT_EQ(folder.read("saved"), "precious");
+}
+
+TEST_F(PosixFilesMove, WithoutPermissionNamesTheFolder) {
+    calls.fail("renameNoReplace", EACCES);
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "saved"),
+                Optional(couldNotBe("moved", "permission is denied here: " + folder.path)));
+}
+
+TEST_F(PosixFilesMove, BetweenTwoFoldersWithoutPermissionNamesBoth) {
+    calls.fail("renameNoReplace", EACCES);
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", "/elsewhere/saved"),
+                Optional("“own” couldn’t be moved to “elsewhere” because permission is denied here: " + folder.path +
+                         " or /elsewhere"));
+}
+
+// Copying
+
+using PosixFilesCopy = PosixFilesTest;
+
+TEST_F(PosixFilesCopy, HasTheContentAndLeavesTheOriginal) {
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "copy"));
+    EXPECT_EQ(folder.read("copy"), "its content");
+    EXPECT_EQ(folder.read("own"), "its content");
+    EXPECT_NE(statusOf(folder / "copy").st_ino, statusOf(folder / "own").st_ino);
+}
+
+TEST_F(PosixFilesCopy, OfAnEmptyFileIsEmpty) {
+    folder.write("own", "");
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_EQ(folder.read("copy"), "");
+}
+
+TEST_F(PosixFilesCopy, OfALargeFileIsWhole) {
+    std::string contents;
+    for (int number = 0; contents.size() < 1'000'000; ++number) contents += std::to_string(number) + '\0';
+    folder.write("own", contents);
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_EQ(folder.read("copy"), contents);
+}
+
+TEST_F(PosixFilesCopy, IsWholeWhenTheSystemMovesAFewBytesAtATime) {
+    calls.mostBytesAtOnce = 3;
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_EQ(folder.read("copy"), "its content");
+}
+
+TEST_F(PosixFilesCopy, IsWholeWhenSignalsInterruptIt) {
+    calls.mostBytesAtOnce = 3;
+    calls.failNth("read", 2, EINTR);
+    calls.failNth("write", 1, EINTR);
+    calls.failNth("write", 3, EINTR);
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_EQ(folder.read("copy"), "its content");
+}
+
+class PosixFilesCopyMode : public PosixFilesTest, public testing::WithParamInterface<mode_t> {};
+
+TEST_P(PosixFilesCopyMode, IsThatOfTheOriginalWhateverTheMask) {
+    const mode_t mask = umask(077);
+    ASSERT_EQ(chmod((folder / "own").c_str(), GetParam()), 0);
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_EQ(modeOf(folder / "copy"), GetParam());
+    umask(mask);
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, PosixFilesCopyMode, testing::Values(0400, 0444, 0600, 0644, 0666, 0755, 0777));
+
+TEST_F(PosixFilesCopy, DoesNotRunAsItsOwner) {
+    ASSERT_EQ(chmod((folder / "own").c_str(), 06755), 0);
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_EQ(modeOf(folder / "copy"), 0755U);
+}
+
+TEST_F(PosixFilesCopy, OfALinkIsACopyOfWhatItLeadsTo) {
+    makeLink("own", "link");
+    EXPECT_EQ(files.copyItemAtPath(folder / "link", folder / "copy"), std::nullopt);
+    EXPECT_FALSE(isLink(folder / "copy"));
+    EXPECT_EQ(folder.read("copy"), "its content");
+}
+
+TEST_F(PosixFilesCopy, MayHaveTheLongestOfNames) {
+    const std::string name(255, 'n');
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / name), std::nullopt);
+    EXPECT_EQ(folder.read(name), "its content");
+}
+
+TEST_F(PosixFilesCopy, OfAMissingFileFailsAndNamesTheFile) {
+    EXPECT_THAT(files.copyItemAtPath(folder / "missing", folder / "copy"),
+                Optional("“missing” couldn’t be copied to “" + folder.name() +
+                         "” because this doesn’t exist: " + (folder / "missing")));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+}
+
+TEST_F(PosixFilesCopy, ToAMissingFolderFailsAndNamesTheFolder) {
+    EXPECT_THAT(files.copyItemAtPath(folder / "own", folder / "none/copy"),
+                Optional("“own” couldn’t be copied to “none” because this doesn’t exist: " + (folder / "none")));
+}
+
+TEST_F(PosixFilesCopy, NeverOverwritesAFile) {
+    folder.write("copy", "precious");
+    EXPECT_THAT(files.copyItemAtPath(folder / "own", folder / "copy"),
+                Optional(couldNotBe("copied", "this already exists: " + (folder / "copy"))));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "copy"));
+    EXPECT_EQ(folder.read("copy"), "precious");
+}
+
+TEST_F(PosixFilesCopy, NeverOverwritesALinkThatLeadsNowhere) {
+    makeLink("missing", "copy");
+    EXPECT_THAT(files.copyItemAtPath(folder / "own", folder / "copy"),
+                Optional(couldNotBe("copied", "this already exists: " + (folder / "copy"))));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "copy"));
+    EXPECT_TRUE(isLink(folder / "copy"));
+}
+
+TEST_F(PosixFilesCopy, ToItselfFailsAndKeepsTheFile) {
+    EXPECT_THAT(files.copyItemAtPath(folder / "own", folder / "own"), Optional(EndsWith(folder / "own")));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+    EXPECT_EQ(folder.read("own"), "its content");
+}
+
+TEST_F(PosixFilesCopy, OfAFolderFailsAndSaysSo) {
+    folder.makeFolder("other");
+    EXPECT_THAT(files.copyItemAtPath(folder / "other", folder / "copy"),
+                Optional(EndsWith("because this is a folder: " + (folder / "other"))));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "other"));
+}
+
+TEST_F(PosixFilesCopy, OfAPipeFailsInsteadOfWaiting) {
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_THAT(files.copyItemAtPath(folder / "pipe", folder / "copy"),
+                Optional(EndsWith("because this is no ordinary file: " + (folder / "pipe"))));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "pipe"));
+}
+
+TEST_F(PosixFilesCopy, IsSeenUnderItsNameOnlyOnceItIsWholeAndOnTheDisk) {
+    calls.after = [&](const std::string& name) {
+        EXPECT_EQ(folder.names().contains("copy"), calls.count("renameNoReplace") == 1) << "after " << name;
+    };
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_THAT(calls.made(), ElementsAre("open", "fstat", "mkostemp", "read", "write", "read", "fchmod", "fsync",
+                                          "close", "renameNoReplace", "close"));
+}
+
+TEST_F(PosixFilesCopy, IsHiddenUntilItIsWhole) {
+    calls.before = [&](const std::string& name) {
+        if (name != "fsync") return;
+        auto names = folder.names();
+        names.erase("own");
+        EXPECT_THAT(names, ElementsAre(StartsWith(".Vantrel-")));
+    };
+    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
+    EXPECT_EQ(calls.count("fsync"), 1);
+}
+
+/// Every system call of a copy that can make it fail, in order, and whose path is then told.
+struct CopyFailure {
+    const char* call;
+    const char* where;
+};
+
+class PosixFilesFailingCopy : public PosixFilesTest, public testing::WithParamInterface<CopyFailure> {};
+
+TEST_P(PosixFilesFailingCopy, SaysWhereAndLeavesNothing) {
+    const std::string where = GetParam().where;
+    calls.fail(GetParam().call, EIO);
+    EXPECT_THAT(files.copyItemAtPath(folder / "own", folder / "copy"),
+                Optional(couldNotBe("copied", "the disk reports an error here: " +
+                                                  (where == "folder" ? folder.path : folder / where))));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+    EXPECT_EQ(folder.read("own"), "its content");
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, PosixFilesFailingCopy,
+                         testing::Values(CopyFailure{"open", "own"}, CopyFailure{"fstat", "own"},
+                                         CopyFailure{"mkostemp", "folder"}, CopyFailure{"read", "own"},
+                                         CopyFailure{"write", "copy"}, CopyFailure{"fchmod", "copy"},
+                                         CopyFailure{"fsync", "copy"}, CopyFailure{"close", "copy"},
+                                         CopyFailure{"renameNoReplace", "copy"}),
+                         [](const auto& test) { return std::string(test.param.call); });
+
+TEST_F(PosixFilesCopy, OnAFullDiskHalfWayLeavesNothing) {
+    calls.mostBytesAtOnce = 3;
+    calls.failNth("write", 3, ENOSPC);
+    EXPECT_THAT(files.copyItemAtPath(folder / "own", folder / "copy"),
+                Optional(couldNotBe("copied", "the disk is full here: " + (folder / "copy"))));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+}
+
+TEST_F(PosixFilesCopy, ClosesWhatItOpensHoweverItEnds) {
+    for (const std::string call : {"none", "fstat", "mkostemp", "read", "write", "fchmod", "fsync", "close"}) {
+        FaultySystemCalls counted;
+        counted.fail(call, EIO);
+        PosixFiles(counted).copyItemAtPath(folder / "own", folder / "copy");
+        const int opened = counted.count("open") + counted.count("mkostemp") - (call == "mkostemp" ? 1 : 0);
+        EXPECT_EQ(counted.count("close"), opened) << call;
+        unlink((folder / "copy").c_str());
+    }
+}
+
+// Deleting
+
+using PosixFilesRemoval = PosixFilesTest;
+
+TEST_F(PosixFilesRemoval, TakesTheFileAway) {
+    EXPECT_EQ(files.removeItemAtPath(folder / "own"), std::nullopt);
+    EXPECT_THAT(folder.names(), IsEmpty());
+}
+
+TEST_F(PosixFilesRemoval, TakesALinkAndNotWhatItLeadsTo) {
+    makeLink("own", "link");
+    EXPECT_EQ(files.removeItemAtPath(folder / "link"), std::nullopt);
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+}
+
+TEST_F(PosixFilesRemoval, OfAMissingFileFailsAndNamesIt) {
+    EXPECT_THAT(files.removeItemAtPath(folder / "missing"),
+                Optional("“missing” couldn’t be removed because this doesn’t exist: " + (folder / "missing")));
+}
+
+TEST_F(PosixFilesRemoval, OfAFolderFailsAndSaysSo) {
+    folder.makeFolder("other");
+    EXPECT_THAT(files.removeItemAtPath(folder / "other"),
+                Optional("“other” couldn’t be removed because this is a folder: " + (folder / "other")));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "other"));
+}
+
+TEST_F(PosixFilesRemoval, WithoutPermissionSaysSo) {
+    calls.fail("unlink", EACCES);
+    EXPECT_THAT(files.removeItemAtPath(folder / "own"),
+                Optional("“own” couldn’t be removed because permission is denied here: " + (folder / "own")));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+}
+
+// The reasons
+
+struct Reason {
+    int error;
+    const char* text;
+};
+
+class PosixFilesReason : public PosixFilesTest, public testing::WithParamInterface<Reason> {};
+
+TEST_P(PosixFilesReason, IsToldInWords) {
+    calls.fail("renameNoReplace", GetParam().error);
+    const auto failure = files.moveItemAtPath(folder / "own", folder / "saved");
+    EXPECT_THAT(failure, Optional(StartsWith(couldNotBe("moved", std::string(GetParam().text) + ": /"))));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Errors, PosixFilesReason,
+    testing::Values(Reason{EACCES, "permission is denied here"}, Reason{EBUSY, "this is in use"},
+                    Reason{EDQUOT, "your share of the disk is used up here"}, Reason{EEXIST, "this already exists"},
+                    Reason{EINVAL, "the disk here can’t rename without the risk of overwriting"},
+                    Reason{EIO, "the disk reports an error here"}, Reason{ELOOP, "too many links lead to this"},
+                    Reason{ENAMETOOLONG, "this path or a name in it is too long"},
+                    Reason{ENOSPC, "the disk is full here"},
+                    Reason{ENOSYS, "the system can’t rename without the risk of overwriting this"},
+                    Reason{ENOTDIR, "a part of this path is no folder"},
+                    Reason{EPERM, "the system doesn’t permit it here"}, Reason{EROFS, "the disk here can only be read"},
+                    Reason{EXDEV, "this is on another disk"}, Reason{EPROTO, "the system reports error 71 here"}));
+
+TEST_F(PosixFilesTest, ANameTooLongFailsInEveryOperation) {
+    const std::string tooLong = folder / std::string(256, 'n');
+    EXPECT_FALSE(files.fileExistsAtPath(tooLong));
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", tooLong), Optional(EndsWith(tooLong)));
+    EXPECT_THAT(files.copyItemAtPath(folder / "own", tooLong), Optional(EndsWith(tooLong)));
+    EXPECT_THAT(files.removeItemAtPath(tooLong), Optional(EndsWith(tooLong)));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+}
+
+}  // namespace
+}  // namespace vantrel::posix
