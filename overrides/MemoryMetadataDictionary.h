@@ -26,6 +26,9 @@ public:
     /// What the record holds.
     Entries record;
     bool canBeOpened = true;
+    bool canBeWritten = true;
+    /// Instances that were made and not yet dropped.
+    int liveInstances = 0;
 
 private:
     class Copy : public Metadata {
@@ -51,7 +54,12 @@ private:
 
     class Instance : public MetadataDictionary {
     public:
-        explicit Instance(MemoryMetadataDictionaryClass& owner) : owner_(owner), entries_(owner.record) {}
+        explicit Instance(MemoryMetadataDictionaryClass& owner) : owner_(owner), entries_(owner.record) {
+            ++owner_.liveInstances;
+        }
+        ~Instance() override { --owner_.liveInstances; }
+        Instance(const Instance&) = delete;
+        Instance& operator=(const Instance&) = delete;
 
         std::unique_ptr<Metadata> metadata() override {
             owner_.journal_.record("overrides metadata");
@@ -70,8 +78,8 @@ private:
 
         bool writeToOverride() override {
             owner_.journal_.record("overrides writeToOverride");
-            owner_.record = entries_;
-            return true;
+            if (owner_.canBeWritten) owner_.record = entries_;
+            return owner_.canBeWritten;
         }
 
     private:

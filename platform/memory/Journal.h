@@ -22,6 +22,15 @@ public:
         return found;
     }
 
+    /// The lines that change the preferences: writes and synchronises, in order.
+    std::vector<std::string> preferenceChanges() const {
+        std::vector<std::string> found;
+        for (const auto& line : lines_) {
+            if (line.starts_with("write ") || line == "synchronize") found.push_back(line);
+        }
+        return found;
+    }
+
     /// Forgets what came before, so that a test looks at one action alone.
     void clear() { lines_.clear(); }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 
 #include "platform/Preferences.h"
@@ -13,6 +14,16 @@ inline std::string describe(const NewPreferenceValue& value) {
     if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
     if (const auto* number = std::get_if<long>(&value)) return std::to_string(*number);
     return '"' + std::get<std::string>(value) + '"';
+}
+
+/// How a value reads that some process stored: as above, or `absent`, `unreadable number`, `other type`.
+inline std::string describeStored(const PreferenceValue& value) {
+    if (const auto* flag = std::get_if<bool>(&value)) return describe(*flag);
+    if (const auto* text = std::get_if<std::string>(&value)) return describe(*text);
+    if (const auto* number = std::get_if<Number>(&value)) {
+        return number->longValue ? describe(*number->longValue) : "unreadable number";
+    }
+    return std::holds_alternative<Absent>(value) ? "absent" : "other type";
 }
 
 /// Preferences in memory. Records "read KEY", "write KEY = VALUE" and "synchronize".
@@ -36,8 +47,8 @@ public:
 
     bool synchronize(std::string_view applicationID) override {
         journal_.record("synchronize");
-        synchronized_[std::string(applicationID)] = domains_[std::string(applicationID)];
-        return true;
+        if (synchronizes) synchronized_[std::string(applicationID)] = domains_[std::string(applicationID)];
+        return synchronizes;
     }
 
     /// What a read in this process finds.
@@ -45,6 +56,17 @@ public:
 
     /// What other processes find: the domain as it was last synchronised.
     const Domain& synchronizedDomain(const std::string& applicationID) { return synchronized_[applicationID]; }
+
+    /// The applications that anything was read from, written to or synchronised for.
+    std::set<std::string> applications() const {
+        std::set<std::string> found;
+        for (const auto& [application, domain] : domains_) found.insert(application);
+        for (const auto& [application, domain] : synchronized_) found.insert(application);
+        return found;
+    }
+
+    /// Whether synchronising works; where it doesn't, other processes keep finding what they found before.
+    bool synchronizes = true;
 
 private:
     static PreferenceValue asRead(const NewPreferenceValue& value) {
