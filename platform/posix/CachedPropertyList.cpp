@@ -1,0 +1,95 @@
+#include "platform/posix/CachedPropertyList.h"
+
+#include <array>
+#include <cerrno>
+#include <optional>
+#include <utility>
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/FileContents.h"
+
+namespace vantrel::posix {
+namespace {
+
+/// How old a file's times must be, in nanoseconds, for a later change to give it others. The kernel stamps with the
+/// time of its last tick, at most 10 ms ago.
+constexpr long long settlingTime = 20'000'000;
+
+long long nanoseconds(const struct timespec& time) {
+    return static_cast<long long>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+bool isSame(const struct timespec& one, const struct timespec& other) {
+    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+}
+
+bool isSame(const struct stat& one, const struct stat& other) {
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
+           isSame(one.st_mtim, other.st_mtim) && isSame(one.st_ctim, other.st_ctim);
+}
+
+bool isSettledAt(const struct timespec& now, const struct stat& status) {
+    return nanoseconds(now) - nanoseconds(status.st_mtim) > settlingTime &&
+           nanoseconds(now) - nanoseconds(status.st_ctim) > settlingTime;
+}
+
+}  // namespace
+
+CachedPropertyList::CachedPropertyList(SystemCalls& calls, std::string path) : calls_(calls), path_(std::move(path)) {}
+
+CachedPropertyList::State CachedPropertyList::refresh() {
+    struct stat now {};
+    if (calls_.stat(path_.c_str(), &now) != 0) {
+        const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+        isSettled_ = false;
+        keep(isMissing ? State::missing : State::unreadable, {}, {});
+    } else if (!isSettled_ || !isSame(now, status_)) {
+        state_ = read();
+    }
+    return state_;
+}
+
+void CachedPropertyList::wasReplaced(PropertyList list, std::string bytes, const struct stat& status) {
+    keep(State::readable, std::move(list), std::move(bytes));
+    status_ = status;
+    isSettled_ = false;
+}
+
+CachedPropertyList::State CachedPropertyList::read() {
+    isSettled_ = false;
+    // The clock first: what changes the file after this look gives it times that are later than that.
+    struct timespec now {};
+    const bool clockIsKnown = calls_.clockGettime(CLOCK_REALTIME, &now) == 0;
+    struct stat status {};
+    const Descriptor file(calls_, openToRead(calls_, path_, status));
+    std::string bytes;
+    bool isWhole = file.isOpen();
+    while (isWhole && bytes.size() <= largestPropertyList) {
+        std::array<char, 16384> buffer;
+        const ssize_t got = readOnce(calls_, file.number(), buffer.data(), buffer.size());
+        if (got == 0) break;
+        isWhole = got > 0;
+        if (isWhole) bytes.append(buffer.data(), static_cast<std::size_t>(got));
+    }
+    if (!isWhole) {
+        keep(State::unreadable, {}, {});
+        return state_;
+    }
+
+    status_ = status;
+    isSettled_ = clockIsKnown && isSettledAt(now, status);
+    const bool wasParsed = state_ == State::readable || state_ == State::damaged;
+    if (wasParsed && bytes == bytes_) return state_;
+    auto list = PropertyList::parse(bytes);
+    const auto state = list ? State::readable : State::damaged;
+    keep(state, list ? std::move(*list) : PropertyList(), std::move(bytes));
+    return state_;
+}
+
+void CachedPropertyList::keep(State state, PropertyList list, std::string bytes) {
+    state_ = state;
+    list_ = std::move(list);
+    bytes_ = std::move(bytes);
+}
+
+}  // namespace vantrel::posix

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/Log.h"
+#include "platform/Preferences.h"
+#include "platform/posix/CachedPropertyList.h"
+#include "platform/posix/PropertyList.h"
+#include "platform/posix/ReplaceFile.h"
+#include "platform/posix/SystemCalls.h"
+
+namespace vantrel::posix {
+
+/// One domain: its file in the defaults folder, which other processes read and write as well, and the values set here
+/// that haven't reached it yet.
+class DomainFile {
+public:
+    /// `folder` is the defaults folder, an absolute path; `name` the domain's, which is its file's name without the
+    /// extension.
+    DomainFile(SystemCalls& calls, Log& log, std::string folder, std::string_view name);
+
+    /// The value set here and not yet synchronised, or else what the file holds now.
+    PreferenceValue value(std::string_view key);
+
+    /// Changes nothing but what is read here, until `synchronize`.
+    void setValue(std::string_view key, const NewPreferenceValue& value);
+
+    /// Puts the values set here into the file, each under its key, and leaves all other entries as they are. Doesn't
+    /// write when the file has those values already. A file that holds something else than a property list is kept
+    /// under another name. False when the values couldn't be made lasting: the next call tries again.
+    bool synchronize();
+
+private:
+    /// Whether the file has every value set here, and for good.
+    bool isDone() const;
+
+    /// Renames a damaged file to a free name beside it and logs that.
+    bool keepAside(const std::string& path);
+
+    SystemCalls& calls_;
+    Log& log_;
+    std::string folder_;
+    std::string path_;
+    CachedPropertyList file_;
+    /// The values set here that the file doesn't have yet.
+    PropertyList pending_;
+    /// Whether the file may fall back to an older one in a power cut, because it couldn't be written through.
+    bool mustReplaceAgain_ = false;
+};
+
+}  // namespace vantrel::posix

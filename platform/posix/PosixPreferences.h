@@ -1,0 +1,34 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "platform/Log.h"
+#include "platform/Preferences.h"
+#include "platform/posix/DomainFile.h"
+#include "platform/posix/SystemCalls.h"
+
+namespace vantrel::posix {
+
+/// The preferences as GNUstep keeps them: a property list for each application in the user's defaults folder, named
+/// after its ID, and NSGlobalDomain.plist for all of them. GNUstep's own programs read and write the same files.
+class PosixPreferences : public Preferences {
+public:
+    /// `folder` is the defaults folder, an absolute path. It need not exist: the first synchronise makes it.
+    PosixPreferences(std::string folder, Log& log, SystemCalls& calls = SystemCalls::real());
+
+    PreferenceValue copyAppValue(std::string_view key, std::string_view applicationID) override;
+    void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) override;
+    bool synchronize(std::string_view applicationID) override;
+
+private:
+    DomainFile& domain(std::string_view name);
+
+    std::string folder_;
+    Log& log_;
+    SystemCalls& calls_;
+    std::map<std::string, DomainFile, std::less<>> domains_;
+};
+
+}  // namespace vantrel::posix
