@@ -161,7 +161,7 @@ private:
     /// Whether the date, in seconds since 2001, lies in the years 1 to 9999.
     bool isCommonDate(std::size_t offset) const {
         const auto seconds = std::bit_cast<double>(integerAt(offset, 8));
-        return seconds >= -63114076800.0 && seconds < 252423993599.0;
+        return seconds >= -63113904000.0 && seconds < 252423993599.0;
     }
 
     /// Whether so many bytes stand between `offset` and the offset table.

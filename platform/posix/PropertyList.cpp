@@ -64,7 +64,6 @@ std::optional<std::int64_t> exactly(double number) {
 
 std::int32_t heldToRange(double number) {
     using Limits = std::numeric_limits<std::int32_t>;
-    if (std::isnan(number)) return 0;
     return static_cast<std::int32_t>(
         std::clamp(number, static_cast<double>(Limits::min()), static_cast<double>(Limits::max())));
 }
@@ -138,7 +137,7 @@ private:
             bool hasKey;
         };
         std::vector<Container> open;
-        std::optional<Type> type;
+        std::optional<Type> type;  // of the outermost
         do {
             if (!skipBetween()) return std::nullopt;
             const auto tag = takeTag();
@@ -154,15 +153,16 @@ private:
                 open.back().hasKey = true;
                 continue;
             } else if (tag->name == "dict" || tag->name == "array") {
-                type = Type::other;
+                if (!type) type = Type::other;
                 if (tag->kind == Tag::opening) {
                     if (open.size() == deepestNesting) return std::nullopt;
                     open.push_back({tag->name == "dict", false});
                     continue;
                 }
             } else {
-                type = takeScalar(*tag);
-                if (!type) return std::nullopt;
+                const auto scalar = takeScalar(*tag);
+                if (!scalar) return std::nullopt;
+                if (!type) type = scalar;
             }
             if (!open.empty()) open.back().hasKey = false;
         } while (!open.empty());
@@ -322,7 +322,9 @@ std::optional<std::int32_t> PropertyList::intValue(std::string_view key) const {
             }
             return std::nullopt;
         case Type::real:
-            if (const auto number = realNumber(entry->content())) return heldToRange(*number);
+            if (const auto number = realNumber(entry->content()); number && !std::isnan(*number)) {
+                return heldToRange(*number);
+            }
             return std::nullopt;
         case Type::string:
         case Type::other:
