@@ -24,7 +24,8 @@ void writeDomainFile(NSDictionary *domain);
 /// What is in the override record, likewise.
 std::map<std::string, std::string> overrideRecord();
 
-/// A pane as the settings host makes it: the principal class of the bundle, its view loaded and in a window.
+/// A pane as the settings host makes it: the principal class of the bundle, its view loaded and in a window. Like the
+/// host's, it is never torn down; it only goes off the screen.
 class Pane {
    public:
     Pane();

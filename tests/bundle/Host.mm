@@ -70,9 +70,7 @@ Pane::Pane() {
 }
 
 Pane::~Pane() {
-    [window_ close];
-    [window_ release];
-    [object_ release];
+    [window_ orderOut:nil];
 }
 
 id Pane::variable(const char *name) const {
