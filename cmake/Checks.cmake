@@ -13,3 +13,10 @@ add_custom_target(lint
     COMMAND run-clang-tidy -quiet -p ${PROJECT_BINARY_DIR} -extra-arg=-idirafter${gcc_include}
             "${PROJECT_SOURCE_DIR}/(Preference|settings|overrides|host|platform)/.*"
     VERBATIM)
+
+# Which lines the tests reach; to be built with the preset `coverage`.
+add_custom_target(coverage
+    COMMAND ${CMAKE_CTEST_COMMAND} --test-dir ${PROJECT_BINARY_DIR} --label-exclude "display|endtoend|package"
+    COMMAND gcovr --root ${PROJECT_SOURCE_DIR} --exclude tests/ --exclude bench/ --print-summary
+            --html-details ${PROJECT_BINARY_DIR}/coverage.html ${PROJECT_BINARY_DIR}
+    VERBATIM)
