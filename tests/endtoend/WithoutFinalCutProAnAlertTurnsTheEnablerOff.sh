@@ -20,7 +20,7 @@ click_and_dismiss() { # picture
 }
 
 start_session
-defaults write "$domain" fcpRTEnableSwap -bool YES
+defaults write "$domain" fcpRTEnableSwap '<*BY>'
 expect stored fcpRTEnableSwap true
 open_host
 open_pane
