@@ -28,15 +28,14 @@ fail() {
     exit 1
 }
 
-# Runs a command every twentieth of a second until it succeeds; after half a minute `what` is told and the script ends.
+# Runs a command again and again until it succeeds; after twenty seconds `what` is told and the script ends.
 wait_until() { # what, command and its arguments
-    local what=$1 tries
+    local what=$1 end=$((SECONDS + 20))
     shift
-    for ((tries = 0; tries < 600; ++tries)); do
-        "$@" && return
+    until "$@"; do
+        ((SECONDS < end)) || fail "waited in vain for $what"
         sleep 0.05
     done
-    fail "waited in vain for $what"
 }
 
 start_desktop() {
@@ -49,7 +48,8 @@ start_desktop() {
     mkdir -m 700 "$scratch/sockets"
     export TEMP=$scratch/sockets XDG_CONFIG_HOME=$scratch XDG_CACHE_HOME=$scratch
 
-    Xvfb -displayfd 3 -screen 0 1024x1000x24 -nolisten tcp 3>"$scratch/display" 2>"$scratch/Xvfb.log" &
+    # -noreset: a display starts afresh when its last program leaves it, and loses who arrives at that moment.
+    Xvfb -displayfd 3 -screen 0 1024x1000x24 -nolisten tcp -noreset 3>"$scratch/display" 2>"$scratch/Xvfb.log" &
     wait_until "a display" test -s "$scratch/display"
     DISPLAY=:$(<"$scratch/display")
     export DISPLAY
@@ -115,14 +115,15 @@ measure() { # window
 
 # Waits until two pictures taken one after the other are the same: everything is drawn.
 settle() {
-    local last="" next tries
-    for ((tries = 0; tries < 100; ++tries)); do
+    local last="" next end=$((SECONDS + 20))
+    until
         next=$(import -silent -window root rgb:- | cksum)
-        [[ $next == "$last" ]] && return
+        [[ $next == "$last" ]]
+    do
+        ((SECONDS < end)) || fail "the display does not come to rest"
         last=$next
         sleep 0.1
     done
-    fail "the display does not come to rest"
 }
 
 # The labels of all panes that the host lists, in its order.
