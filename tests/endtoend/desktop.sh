@@ -67,6 +67,8 @@ desktop_processes() {
 
 no_desktop_processes() { [[ -z $(desktop_processes) ]]; }
 
+process_is_gone() { ! kill -0 "$1" 2>/dev/null; }
+
 end_desktop() {
     local status=$? pid signal tries
     trap - EXIT INT TERM HUP
@@ -74,7 +76,7 @@ end_desktop() {
     if [[ -n ${host_process:-} ]]; then
         kill "$host_process" 2>/dev/null || true
         for ((tries = 0; tries < 40; ++tries)); do
-            kill -0 "$host_process" 2>/dev/null || break
+            process_is_gone "$host_process" && break
             sleep 0.05
         done
     fi
