@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # A desktop of our own, with the settings host on it, as a library for bash.
 #
 #   start_desktop   a virtual display with a window manager, told to all that is started afterwards
@@ -133,7 +134,9 @@ pane_labels() {
     local library bundle
     for library in "$(gnustep_folder USER)" "$(gnustep_folder LOCAL)" "$(gnustep_folder SYSTEM)"; do
         for bundle in "$library"/Bundles/*.prefPane; do
-            [[ -d $bundle ]] && echo "$(plget NSPrefPaneIconLabel <"$bundle/Resources/Info-gnustep.plist")"
+            [[ -d $bundle ]] || continue
+            plget NSPrefPaneIconLabel <"$bundle/Resources/Info-gnustep.plist"
+            echo
         done
     done | LC_ALL=C sort -u
 }
@@ -152,12 +155,12 @@ click() { # x, y on the display
 open_pane() {
     local position
     read_controls
-    position=$(pane_labels | grep -nx "$pane_label" | cut -d: -f1)
+    position=$(pane_labels | { grep -nx "$pane_label" || true; } | cut -d: -f1)
     [[ -n $position ]] || fail "the settings host has no pane called $pane_label"
     position=$((position - 1))
     measure "$host_window"
     click $((x + box_left + position % icons_in_a_row * icon_width + icon_width / 2)) \
-        $((y + box_top + 8 + position / icons_in_a_row * icon_height + icon_middle - 8))
+        $((y + box_top + position / icons_in_a_row * icon_height + icon_middle))
     wait_until "the pane" host_is_high $((host_height - icons_height + frames_height[view]))
     settle
 }

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What an end-to-end test needs beyond a desktop of its own: GNUstep folders of its own, controls by their outlets'
 # names, what is stored, and expectations that say what they saw.
 #
@@ -8,6 +9,9 @@ source "$(dirname "${BASH_SOURCE[0]}")/desktop.sh"
 
 # A desktop whose user has our pane and nothing else: no settings, no overrides.
 start_session() {
+    # Alerts and the host are known by their English titles, whatever the language of who runs the test.
+    unset LANGUAGE LANGUAGES LC_MESSAGES
+    export LC_ALL=C.UTF-8
     start_desktop
     local home=$scratch/home
     record_file=$home/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist
