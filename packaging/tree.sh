@@ -60,10 +60,13 @@ bootstrap() { # architecture, Depends field
     # No service starts in a tree.
     printf '#!/bin/sh\nexit 101\n' >"$tree/usr/sbin/policy-rc.d"
     chmod 755 "$tree/usr/sbin/policy-rc.d"
+    # apt's own user may not read everywhere that packages are bound into a tree, and there are no terminals.
+    printf 'APT::Sandbox::User "root";\nDpkg::Use-Pty "0";\n' >"$tree/etc/apt/apt.conf.d/tree"
     in_tree useradd --create-home --uid "$editor_id" "$editor"
     mount --bind "$packages" "$tree/var/cache/apt/archives"
-    in_tree apt-get --quiet --yes --no-install-recommends -o APT::Sandbox::User=root satisfy "$2"
+    in_tree apt-get --quiet --yes --no-install-recommends satisfy "$2"
     umount "$tree/var/cache/apt/archives"
+    in_tree apt-get clean
 }
 
 prepare_mounts() {
@@ -79,4 +82,14 @@ in_tree() { # command and its arguments
 as_editor() { # command and its arguments
     chroot --userspec="$editor:$editor" "$tree" env --ignore-environment PATH=/usr/bin:/bin LC_ALL=C.UTF-8 \
         ${DISPLAY:+DISPLAY="$DISPLAY"} ${TEMP:+TEMP="$TEMP"} "$@"
+}
+
+# The display and the folder for GNUstep's sockets are where they are outside.
+open_display_to_tree() {
+    local folder
+    chown "$editor_id" "$TEMP"
+    for folder in /tmp/.X11-unix "$TEMP"; do
+        mkdir -p "$tree$folder"
+        mount --bind "$folder" "$tree$folder"
+    done
 }

@@ -1,0 +1,37 @@
+# The settings host in a Debian tree, on a desktop outside it, as a library for bash: the end-to-end tests' library with
+# the folders and the host of the tree.
+source "$(dirname "${BASH_SOURCE[0]}")/tree.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/../tests/endtoend/session.sh"
+
+# The host that desktop.sh opens.
+SystemPreferences() {
+    as_editor SystemPreferences
+}
+
+# The folders as desktop.sh asks for them.
+gnustep_folder() { # USER, LOCAL or SYSTEM
+    case $1 in
+        USER) echo "$tree/home/$editor/GNUstep/Library" ;;
+        LOCAL) echo "$tree/usr/local/lib/GNUstep" ;;
+        SYSTEM) echo "$tree/usr/lib/GNUstep" ;;
+    esac
+}
+
+# Opens the pane in the tree, clicks a check box, expects its value in the user's file, and keeps a picture.
+click_in_tree() { # picture
+    start_desktop
+    open_display_to_tree
+    defaults_file=$tree/home/$editor/GNUstep/Defaults/$domain.plist
+    [[ ! -e $defaults_file ]] || fail "the user has settings before the pane has been opened"
+    open_host
+    open_pane
+    expect stored FormatRGB8 true
+    click_control fmtRGB8Bit
+    expect stored FormatRGB8 false
+    settle
+    keep_picture "$1"
+    sed 's/^/    /' "$defaults_file"
+    kill "$host_process"
+    wait "$host_process" || true
+    unset host_process
+}

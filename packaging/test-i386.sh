@@ -1,0 +1,30 @@
+#!/bin/bash
+# Builds the pane in a fresh Debian tree for a 32-bit processor, installs it there and opens it in that tree's settings
+# host as an ordinary user.
+#
+#   test-i386.sh BUILD PICTURES TREES
+#
+# BUILD is the build folder, kept for the next time, PICTURES the folder for the pictures, TREES keeps what makes the
+# tree.
+source "$(dirname "${BASH_SOURCE[0]}")/host-in-tree.sh"
+build=$1 VANTREL_PICTURES=$2 tree_cache=$3
+enter_own_namespace "$@"
+
+packaging=$(dirname "$(realpath "$0")")
+sources=$(dirname "$packaging")
+
+# The list for building, less what looks at the sources, makes packages or watches the display from outside.
+outside='clang|clang-format|clang-tidy|debhelper|debootstrap|fonts-noto-cjk|g\+\+-multilib|imagemagick|lintian'
+outside+='|openbox|procps|util-linux|x11-utils|xauth|xdotool|xvfb'
+make_tree i386 "$(grep -vxE "$outside" "$packaging/debian-packages.txt" | paste -sd,)"
+
+mkdir -p "$build" "$tree/sources" "$tree/build"
+mount --bind "$sources" "$tree/sources"
+mount -o remount,bind,ro "$tree/sources"
+mount --bind "$build" "$tree/build"
+in_tree cmake -G Ninja -S /sources -B /build -D CMAKE_CXX_COMPILER=g++ -D CMAKE_BUILD_TYPE=RelWithDebInfo
+in_tree cmake --build /build --target pane KVRXMetadataDictionary
+in_tree cmake --install /build --prefix /usr --component pane
+file=$tree/usr/lib/GNUstep/Bundles/Vantrel.prefPane/Vantrel
+expect_same "the bundle's word size" "$(head --bytes 5 "$file" | od -An -tx1)" " 7f 45 4c 46 01"
+click_in_tree pane-on-a-32-bit-host
