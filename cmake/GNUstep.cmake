@@ -4,6 +4,9 @@ execute_process(COMMAND ${GNUSTEP_CONFIG} --objc-flags OUTPUT_VARIABLE objc_flag
                 COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${GNUSTEP_CONFIG} --gui-libs OUTPUT_VARIABLE gui_libs OUTPUT_STRIP_TRAILING_WHITESPACE
                 COMMAND_ERROR_IS_FATAL ANY)
+if(NOT objc_flags OR NOT gui_libs)
+    message(FATAL_ERROR "${GNUSTEP_CONFIG} tells no flags, as it does without a word where make is missing.")
+endif()
 separate_arguments(objc_flags)
 separate_arguments(gui_libs)
 

@@ -39,7 +39,7 @@ make_tree() { # architecture, Depends field
     archive=$tree_cache/$suite-$1-$(sha256sum <<<"$2" | cut -c 1-12).tar
     mount -t tmpfs -o mode=755 tree "$tree"
     # Two scripts that want the same tree make it once.
-    exec {lock}>"$tree_cache/lock"
+    exec {lock}>"$archive.lock"
     flock "$lock"
     if [[ ! -f $archive ]]; then
         bootstrap "$1" "$2"
