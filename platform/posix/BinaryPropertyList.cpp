@@ -31,9 +31,11 @@ public:
         referenceSize_ = integerAt(trailer + 7, 1);
         const auto count = integerAt(trailer + 8, 8);
         const auto top = integerAt(trailer + 16, 8);
-        offsetTable_ = integerAt(trailer + 24, 8);
+        const auto offsetTable = integerAt(trailer + 24, 8);
         if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) return false;
-        if (offsetTable_ > trailer || count > (trailer - offsetTable_) / offsetSize_) return false;
+        // Looked at before it becomes a std::size_t, which has 32 bits on some hosts.
+        if (offsetTable > trailer || count > (trailer - offsetTable) / offsetSize_) return false;
+        offsetTable_ = offsetTable;
         objects_.resize(count);
         return inspect(top, 0);
     }
@@ -122,7 +124,7 @@ private:
         const auto offset = integerAt(offsetTable_ + index * offsetSize_, offsetSize_);
         if (offset < magic.size() || offset >= offsetTable_) return std::nullopt;
         const auto marker = static_cast<unsigned>(integerAt(offset, 1));
-        Header header{marker >> 4, marker & 0xF, marker & 0xF, offset + 1};
+        Header header{marker >> 4, marker & 0xF, marker & 0xF, static_cast<std::size_t>(offset) + 1};
         const bool hasLength = header.kind >= 0x4 && header.kind != 0x8;
         if (hasLength && header.detail == 0xF) {
             if (!holds(header.content, 1)) return std::nullopt;
