@@ -37,26 +37,24 @@ make_tree() { # architecture, Depends field
     mkdir -p "$tree_cache/packages" "$tree_cache/tree"
     tree=$(realpath "$tree_cache/tree")
     archive=$tree_cache/$suite-$1-$(sha256sum <<<"$2" | cut -c 1-12).tar
-    mount -t tmpfs -o mode=755 tree "$tree"
-    # Two scripts that want the same tree make it once.
-    exec {lock}>"$archive.lock"
-    flock "$lock"
     if [[ ! -f $archive ]]; then
-        bootstrap "$1" "$2"
-        tar --create --one-file-system --directory "$tree" --file "$archive.new" .
-        mv "$archive.new" "$archive"
-    else
-        tar --extract --directory "$tree" --file "$archive"
-        prepare_mounts
+        # They share the folder of packages, so one is made at a time.
+        exec {lock}>"$tree_cache/lock"
+        flock "$lock"
+        [[ -f $archive ]] || make_archive "$archive" "$1" "$2"
+        exec {lock}>&-
     fi
-    exec {lock}>&-
+    mount_memory
+    tar --extract --directory "$tree" --file "$archive"
+    mount_inside
 }
 
-bootstrap() { # architecture, Depends field
+make_archive() { # file, architecture, Depends field
     local packages
     packages=$(realpath "$tree_cache/packages")
-    debootstrap --variant=minbase --arch="$1" --cache-dir="$packages" "$suite" "$tree" "$(mirror)"
-    prepare_mounts
+    mount_memory
+    debootstrap --variant=minbase --arch="$2" --cache-dir="$packages" "$suite" "$tree" "$(mirror)"
+    mount_inside
     # No service starts in a tree.
     printf '#!/bin/sh\nexit 101\n' >"$tree/usr/sbin/policy-rc.d"
     chmod 755 "$tree/usr/sbin/policy-rc.d"
@@ -64,12 +62,17 @@ bootstrap() { # architecture, Depends field
     printf 'APT::Sandbox::User "root";\nDpkg::Use-Pty "0";\n' >"$tree/etc/apt/apt.conf.d/tree"
     in_tree useradd --create-home --uid "$editor_id" "$editor"
     mount --bind "$packages" "$tree/var/cache/apt/archives"
-    in_tree apt-get --quiet --yes --no-install-recommends satisfy "$2"
+    in_tree apt-get --quiet --yes --no-install-recommends satisfy "$3"
     umount "$tree/var/cache/apt/archives"
     in_tree apt-get clean
+    tar --create --one-file-system --directory "$tree" --file "$1.new" .
+    mv "$1.new" "$1"
+    umount --recursive "$tree"
 }
 
-prepare_mounts() {
+mount_memory() { mount -t tmpfs -o mode=755 tree "$tree"; }
+
+mount_inside() {
     mountpoint --quiet "$tree/proc" || mount -t proc proc "$tree/proc"
     mount -t tmpfs -o mode=1777 tmp "$tree/tmp"
 }
