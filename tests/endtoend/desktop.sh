@@ -21,11 +21,14 @@ endtoend_folder=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
 interface_file=$(realpath "$endtoend_folder/../../Preference/Vantrel/Resources/VantrelPref.xib")
 readonly endtoend_folder interface_file
 
-# Ends the script with status 1, a line that says why, and a picture of that moment.
+# Ends the script with status 1, a line that says why, what the desktop's programs said last and, where pictures are
+# kept, a picture of that moment.
 fail() {
-    echo "${BASH_SOURCE[-1]##*/}: $*" >&2
-    [[ -z ${host_window:-} ]] || take_picture "${VANTREL_PICTURES:-$scratch}/failure.png" >&2
-    tail -n 5 "$scratch"/*.log >&2
+    local script=${BASH_SOURCE[-1]##*/}
+    echo "$script: $*" >&2
+    [[ -z ${host_window:-} || -z ${VANTREL_PICTURES:-} ]] ||
+        take_picture "$VANTREL_PICTURES/${script%.sh}-failed.png" >&2
+    tail -n 5 "$scratch"/*.log >&2 || true
     exit 1
 }
 
@@ -151,18 +154,35 @@ click() { # x, y on the display
     xdotool mousemove "$1" "$2" mousedown 1 sleep 0.05 mouseup 1
 }
 
-# Clicks our icon and waits until the host's window has grown to the pane's height.
+# Clicks our icon and waits until the host's window has grown to the pane's height. On a busy machine the host loses a
+# click on an icon now and then; where the window is at rest and nothing has come of the click, it is clicked again.
 open_pane() {
-    local position
+    local position icon_x icon_y pane_height attempt tries
     read_controls
+    pane_height=$((host_height - icons_height + frames_height[view]))
     position=$(pane_labels | { grep -nx "$pane_label" || true; } | cut -d: -f1)
     [[ -n $position ]] || fail "the settings host has no pane called $pane_label"
     position=$((position - 1))
     measure "$host_window"
-    click $((x + box_left + position % icons_in_a_row * icon_width + icon_width / 2)) \
-        $((y + box_top + position / icons_in_a_row * icon_height + icon_middle))
-    wait_until "the pane" host_is_high $((host_height - icons_height + frames_height[view]))
-    settle
+    icon_x=$((x + box_left + position % icons_in_a_row * icon_width + icon_width / 2))
+    icon_y=$((y + box_top + position / icons_in_a_row * icon_height + icon_middle))
+    for ((attempt = 0; attempt < 5; ++attempt)); do
+        click "$icon_x" "$icon_y"
+        for ((tries = 0; tries < 40; ++tries)); do
+            if host_is_high "$pane_height"; then
+                settle
+                return
+            fi
+            sleep 0.05
+        done
+        settle
+        if ! host_is_high "$host_height"; then
+            wait_until "the pane" host_is_high "$pane_height"
+            settle
+            return
+        fi
+    done
+    fail "no click on the icon opens the pane"
 }
 
 # Fills the tables of the controls' frames, counted from the top left corner of the pane's view, and of their items.
