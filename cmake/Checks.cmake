@@ -1,7 +1,9 @@
 # Targets that look at the sources: `format` rewrites them, `format-check` and `lint` complain.
-execute_process(COMMAND git ls-files --cached --others --exclude-standard *.h *.cpp *.mm
-                WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE sources OUTPUT_STRIP_TRAILING_WHITESPACE)
-string(REPLACE "\n" ";" sources "${sources}")
+foreach(room Preference settings overrides host platform tests bench)
+    file(GLOB_RECURSE room_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${room}/*.h ${PROJECT_SOURCE_DIR}/${room}/*.cpp
+                                                     ${PROJECT_SOURCE_DIR}/${room}/*.mm)
+    list(APPEND sources ${room_sources})
+endforeach()
 
 add_custom_target(format COMMAND clang-format -i ${sources} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} VERBATIM)
 add_custom_target(format-check COMMAND clang-format --dry-run -Werror ${sources}

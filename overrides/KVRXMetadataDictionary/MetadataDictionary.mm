@@ -5,7 +5,6 @@
 #import "platform/cocoa/CocoaText.h"
 
 using vantrel::OverrideRecord;
-using vantrel::cocoa::toUTF8;
 using vantrel::posix::PropertyList;
 
 namespace {

@@ -107,7 +107,8 @@ bool DomainFile::keepAside(const std::string& path) {
     calls_.clockGettime(CLOCK_REALTIME, &now);
     const std::string kept = path + ".unreadable-" + universalTime(now);
     for (int number = 1; number <= mostNames; ++number) {
-        const std::string free = number == 1 ? kept : kept + '-' + std::to_string(number);
+        std::string free = kept;
+        if (number > 1) free += '-' + std::to_string(number);
         if (calls_.renameNoReplace(path.c_str(), free.c_str()) == 0) {
             log_.log(path + " is not a property list, it is kept as " + free);
             return true;
