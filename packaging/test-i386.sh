@@ -1,6 +1,6 @@
 #!/bin/bash
-# Builds the pane in a fresh Debian tree for a 32-bit processor, installs it there and opens it in that tree's settings
-# host as an ordinary user.
+# Builds the pane in a fresh Debian tree for a 32-bit processor, runs the tests of what stands on system calls, installs
+# the pane there and opens it in that tree's settings host as an ordinary user.
 #
 #   test-i386.sh BUILD PICTURES TREES
 #
@@ -23,7 +23,8 @@ mount --bind "$sources" "$tree/sources"
 mount -o remount,bind,ro "$tree/sources"
 mount --bind "$build" "$tree/build"
 in_tree cmake -G Ninja -S /sources -B /build -D CMAKE_CXX_COMPILER=g++ -D CMAKE_BUILD_TYPE=RelWithDebInfo
-in_tree cmake --build /build --target pane KVRXMetadataDictionary
+in_tree cmake --build /build --target pane KVRXMetadataDictionary posix_tests
+in_tree /build/tests/platform/posix/posix_tests --gtest_brief=1
 in_tree cmake --install /build --prefix /usr --component pane
 file=$tree/usr/lib/GNUstep/Bundles/Vantrel.prefPane/Vantrel
 expect_same "the bundle's word size" "$(head --bytes 5 "$file" | od -An -tx1)" " 7f 45 4c 46 01"

@@ -21,14 +21,15 @@ enter_own_namespace() { # the script's arguments
 
 # The mirror that this machine itself gets Debian from.
 mirror() {
-    local site
-    site=$(apt-get indextargets --format '$(REPO_URI)' "Codename: $suite" "Component: main" "Created-By: Packages" |
-        head -n 1)
-    if [[ -z $site ]]; then
-        echo "This machine's package sources name no mirror of Debian $suite; is apt-get update due?" >&2
+    sources() {
+        apt-get indextargets --format '$(REPO_URI)' "Codename: $suite" "Component: main" "Created-By: Packages"
+    }
+    # Where nothing is known of the sources, apt has to ask them first.
+    [[ -n $(sources) ]] || apt-get --quiet --quiet update >&2
+    sources | sed -n 1p | grep . || {
+        echo "This machine's package sources name no mirror of Debian $suite." >&2
         exit 1
-    fi
-    echo "$site"
+    }
 }
 
 # Sets `tree` to a fresh Debian of an architecture in which a Depends field is satisfied, with an ordinary user.
@@ -50,10 +51,11 @@ make_tree() { # architecture, Depends field
 }
 
 make_archive() { # file, architecture, Depends field
-    local packages
+    local packages site
     packages=$(realpath "$tree_cache/packages")
+    site=$(mirror)
     mount_memory
-    debootstrap --variant=minbase --arch="$2" --cache-dir="$packages" "$suite" "$tree" "$(mirror)"
+    debootstrap --variant=minbase --arch="$2" --cache-dir="$packages" "$suite" "$tree" "$site"
     mount_inside
     # No service starts in a tree.
     printf '#!/bin/sh\nexit 101\n' >"$tree/usr/sbin/policy-rc.d"
@@ -74,6 +76,8 @@ mount_memory() { mount -t tmpfs -o mode=755 tree "$tree"; }
 
 mount_inside() {
     mountpoint --quiet "$tree/proc" || mount -t proc proc "$tree/proc"
+    # The pane counts the processors there.
+    mountpoint --quiet "$tree/sys" || mount --bind -o ro /sys "$tree/sys"
     mount -t tmpfs -o mode=1777 tmp "$tree/tmp"
 }
 
