@@ -3,17 +3,6 @@
 
 #import "tests/bundle/Host.h"
 
-/// The operations on the settings as another part of the codec would send them.
-@protocol StoreOperations
-- (BOOL)initPrefCheck:(NSButton *)control forKey:(NSString *)key;
-- (BOOL)initIntPrefCheck:(NSMatrix *)control forKey:(NSString *)key;
-- (void)updateBoolPref:(BOOL)value forKey:(NSString *)key;
-- (void)updateIntPref:(int)value forKey:(NSString *)key;
-- (void)updateBoolPref:(BOOL)value forKey:(NSString *)key forBit:(int)bit;
-- (void)setProcPathBit:(int)bit;
-- (void)clearProcPathBit:(int)bit;
-@end
-
 namespace vantrel::host {
 namespace {
 
@@ -196,10 +185,7 @@ TEST_F(Bundle, OpeningOnACompleteDomainWritesNothing) {
     EXPECT_EQ(domainFile(), before);
 }
 
-/// Runs in a process of its own: what another pane of the process wrote without synchronising would be flushed along.
-class BundleInAFreshProcess : public Bundle {};
-
-TEST_F(BundleInAFreshProcess, OpeningOnAnEmptyDomainSynchronisesAllButTheLastGroups) {
+TEST_F(Bundle, OpeningOnAnEmptyDomainSynchronisesAllButTheLastGroups) {
     const Pane pane;
     auto synchronised = domainFile();
     synchronised.erase("MaxEncodeThreads");  // there or not, by the number of cores

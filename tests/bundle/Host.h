@@ -6,6 +6,17 @@
 #include <map>
 #include <string>
 
+/// The operations on the settings as another part of the codec would send them.
+@protocol StoreOperations
+- (BOOL)initPrefCheck:(NSButton *)control forKey:(NSString *)key;
+- (BOOL)initIntPrefCheck:(NSMatrix *)control forKey:(NSString *)key;
+- (void)updateBoolPref:(BOOL)value forKey:(NSString *)key;
+- (void)updateIntPref:(int)value forKey:(NSString *)key;
+- (void)updateBoolPref:(BOOL)value forKey:(NSString *)key forBit:(int)bit;
+- (void)setProcPathBit:(int)bit;
+- (void)clearProcPathBit:(int)bit;
+@end
+
 namespace vantrel::host {
 
 /// The folder in which this program's preferences and override record live; emptied before each test.

@@ -34,6 +34,10 @@ std::string home() {
 }
 
 void emptyHome() {
+    // The pane's store lives as long as the process: what earlier panes wrote and didn't synchronise goes first.
+    id pane = [[[[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass] alloc]
+        initWithBundle:[NSBundle bundleWithPath:@BUNDLE_PATH]];
+    [(id<StoreOperations>)pane updateBoolPref:YES forKey:@"flushed"];
     std::filesystem::remove_all(home() + "/Defaults");
     std::filesystem::remove_all(home() + "/Library");
     std::filesystem::create_directories(home() + "/Defaults");
