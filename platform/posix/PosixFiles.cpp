@@ -6,7 +6,7 @@
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileContents.h"
-#include "platform/posix/PropertyList.h"
+#include "platform/PropertyList.h"
 
 namespace vantrel::posix {
 
