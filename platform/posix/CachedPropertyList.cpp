@@ -12,8 +12,9 @@ namespace vantrel::posix {
 namespace {
 
 /// How old a file's times must be, in nanoseconds, for a later change to give it others. The kernel stamps with the
-/// time of its last tick, at most 10 ms ago.
+/// time of its last tick, at most 10 ms ago; some file systems keep only whole seconds of it, or every other one.
 constexpr long long settlingTime = 20'000'000;
+constexpr long long settlingTimeOfWholeSeconds = 2'020'000'000;
 
 long long nanoseconds(const struct timespec& time) {
     return static_cast<long long>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
@@ -29,8 +30,10 @@ bool isSame(const struct stat& one, const struct stat& other) {
 }
 
 bool isSettledAt(const struct timespec& now, const struct stat& status) {
-    return nanoseconds(now) - nanoseconds(status.st_mtim) > settlingTime &&
-           nanoseconds(now) - nanoseconds(status.st_ctim) > settlingTime;
+    const bool hasWholeSeconds = status.st_mtim.tv_nsec == 0 && status.st_ctim.tv_nsec == 0;
+    const auto needed = hasWholeSeconds ? settlingTimeOfWholeSeconds : settlingTime;
+    return nanoseconds(now) - nanoseconds(status.st_mtim) > needed &&
+           nanoseconds(now) - nanoseconds(status.st_ctim) > needed;
 }
 
 }  // namespace

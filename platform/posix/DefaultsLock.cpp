@@ -77,7 +77,9 @@ bool DefaultsLock::isHeld() {
 
 void DefaultsLock::release() {
     if (!held_) return;
-    if (isHeld()) calls_.rmdir(path_.c_str());
+    const auto now = standing();
+    // One that can't be looked at is most likely still ours, and left behind it would keep everyone waiting.
+    if (!now || isSame(*held_, *now)) calls_.rmdir(path_.c_str());
     held_.reset();
 }
 

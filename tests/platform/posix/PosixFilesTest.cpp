@@ -434,6 +434,8 @@ TEST_F(PosixFilesCopy, IsHiddenUntilItIsWhole) {
 struct CopyFailure {
     const char* call;
     const char* where;
+
+    friend std::ostream& operator<<(std::ostream& out, const CopyFailure& failure) { return out << failure.call; }
 };
 
 class PosixFilesFailingCopy : public PosixFilesTest, public testing::WithParamInterface<CopyFailure> {};
@@ -514,6 +516,8 @@ TEST_F(PosixFilesRemoval, WithoutPermissionSaysSo) {
 struct Reason {
     int error;
     const char* text;
+
+    friend std::ostream& operator<<(std::ostream& out, const Reason& reason) { return out << reason.text; }
 };
 
 class PosixFilesReason : public PosixFilesTest, public testing::WithParamInterface<Reason> {};

@@ -1,0 +1,43 @@
+# The interface file, the string tables and the icon, as each system wants them, in the bundle's Resources folder.
+# Expects the target `pane` and `bundle_resources`, the folder.
+set(resources ${CMAKE_CURRENT_SOURCE_DIR}/Resources)
+set(interface_file ${resources}/VantrelPref.xib)
+set(icon_drawing ${resources}/Vantrel.svg)
+file(GLOB string_tables CONFIGURE_DEPENDS ${resources}/*.lproj/Localizable.strings)
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+find_program(RSVG_CONVERT rsvg-convert REQUIRED)
+
+if(APPLE)
+    find_program(IBTOOL ibtool REQUIRED)
+    find_program(ICONUTIL iconutil REQUIRED)
+    set(iconset ${CMAKE_CURRENT_BINARY_DIR}/Vantrel.iconset)
+    foreach(points 16 32 128 256)
+        math(EXPR double "2 * ${points}")
+        list(APPEND draw_icon
+            COMMAND ${RSVG_CONVERT} -w ${points} -h ${points} -o ${iconset}/icon_${points}x${points}.png ${icon_drawing}
+            COMMAND ${RSVG_CONVERT} -w ${double} -h ${double} -o ${iconset}/icon_${points}x${points}@2x.png ${icon_drawing})
+    endforeach()
+    set(system_resources
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${bundle_resources}/Base.lproj ${iconset}
+        COMMAND ${IBTOOL} --compile ${bundle_resources}/Base.lproj/VantrelPref.nib ${interface_file}
+        ${draw_icon}
+        COMMAND ${ICONUTIL} --convert icns --output ${bundle_resources}/Vantrel.icns ${iconset})
+    set(localizations macos)
+else()
+    set(system_resources
+        COMMAND ${RSVG_CONVERT} -w 48 -h 48 -o ${bundle_resources}/Vantrel.png ${icon_drawing})
+    set(localizations gnustep)
+endif()
+
+set(resources_stamp ${CMAKE_CURRENT_BINARY_DIR}/resources.stamp)
+add_custom_command(
+    OUTPUT ${resources_stamp}
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/localize.py ${localizations} ${bundle_resources}
+            ${interface_file} ${string_tables}
+    ${system_resources}
+    COMMAND ${CMAKE_COMMAND} -E touch ${resources_stamp}
+    DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/localize.py ${interface_file} ${string_tables} ${icon_drawing}
+    COMMENT "Localising the interface" VERBATIM)
+add_custom_target(pane_resources DEPENDS ${resources_stamp})
+add_dependencies(pane pane_resources)
+target_sources(pane PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/PaneView.mm)

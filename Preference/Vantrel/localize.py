@@ -1,0 +1,119 @@
+"""Makes of the interface file and the string tables, one a language, what each system looks for in the bundle.
+
+    localize.py gnustep OUTPUT VantrelPref.xib en.lproj/Localizable.strings de.lproj/Localizable.strings ...
+    localize.py macos   OUTPUT VantrelPref.xib en.lproj/Localizable.strings de.lproj/Localizable.strings ...
+
+GNUstep loads an interface file from the folder of the user's language: OUTPUT gets one for each. macOS loads the one in
+Base.lproj and then replaces its texts from a table: OUTPUT gets that table, VantrelPref.strings, for each language.
+
+The text under "fmtRGB8Bit.toolTip" is the tool tip of the object with the id fmtRGB8Bit. What follows a hyphen in an
+id only makes it unique: "fmtRGB8Bit.title" is the title of fmtRGB8Bit-cell, "demosaicVNG.title" that of both
+demosaicVNG-presentationDemosaic and demosaicVNG-renderDemosaic. A title without a letter is nobody's language.
+
+A key that is missing in a table, or that nothing asks for, ends the program with status 1 and a line for each.
+"""
+
+import re
+import sys
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+ATTRIBUTES = ("title", "toolTip")
+MACOS_NAMES = {"title": "title", "toolTip": "ibShadowedToolTip"}
+FOLDER_KEYS = ("KVRXLutsPath", "KVRXOverridePath")  # read by the pane itself
+
+
+def read_table(path):
+    """The entries of a string table, in their order."""
+    text = re.sub(r"/\*.*?\*/", "", path.read_text(encoding="utf-8"), flags=re.DOTALL)
+    quoted = r'"((?:[^"\\]|\\.)*)"'
+    entry = re.compile(rf"\s*{quoted}\s*=\s*{quoted}\s*;")
+    entries, end = {}, 0
+    while match := entry.match(text, end):
+        key, value = (re.sub(r"\\(.)", r"\1", part) for part in match.groups())
+        if key in entries:
+            sys.exit(f"{path}: {key} stands twice")
+        entries[key], end = value, match.end()
+    if text[end:].strip():
+        sys.exit(f"{path}: can't be read from here on: {text[end:].strip().splitlines()[0]}")
+    return entries
+
+
+def write_table(path, entries):
+    """Writes a table with a byte-order mark, without which GNUstep takes it for ASCII."""
+    path.parent.mkdir(parents=True, exist_ok=True)
+    lines = (f'"{escaped(key)}" = "{escaped(value)}";\n' for key, value in entries.items())
+    path.write_text("".join(lines), encoding="utf-8-sig")
+
+
+def escaped(text):
+    return text.replace("\\", "\\\\").replace('"', '\\"')
+
+
+def texts(interface):
+    """Every text of the interface that people read: its element, attribute and key."""
+    for element in interface.iter():
+        for attribute in ATTRIBUTES:
+            if re.search(r"[^\W\d_]", element.get(attribute, "")):
+                yield element, attribute, f"{element.get('id').split('-')[0]}.{attribute}"
+
+
+def check(path, table, wanted):
+    """Ends the program unless the table has exactly the keys that are wanted."""
+    faults = [f"{path}: {key} is missing" for key in wanted if key not in table]
+    faults += [f"{path}: nothing asks for {key}" for key in table if key not in wanted]
+    if faults:
+        sys.exit("\n".join(faults))
+
+
+def folder_texts(table):
+    return {key: table[key] for key in FOLDER_KEYS}
+
+
+def adapt_to_gnustep(interface):
+    """Gives the pop-ups and buttons the look that GNUstep's own have."""
+    for cell in interface.iter():
+        if cell.get("bezelStyle") == "rounded":
+            del cell.attrib["bezelStyle"]  # which it draws as a pill
+    for cell in interface.iter("popUpButtonCell"):
+        # The tick beside the chosen item would be drawn in the closed button, too, and indent its title.
+        cell.set("altersStateOfSelectedItem", "NO")
+        for item in cell.iter("menuItem"):
+            item.attrib.pop("state", None)
+            attributes = ElementTree.SubElement(item, "userDefinedRuntimeAttributes")
+            ElementTree.SubElement(attributes, "userDefinedRuntimeAttribute", type="nil", keyPath="onStateImage")
+
+
+def write_for_gnustep(folder, interface_file, table):
+    interface = ElementTree.parse(interface_file)
+    for element, attribute, key in list(texts(interface)):
+        element.set(attribute, table[key])
+    adapt_to_gnustep(interface)
+    write_table(folder / "Localizable.strings", folder_texts(table))
+    interface.write(folder / interface_file.name, encoding="utf-8", xml_declaration=True)
+
+
+def write_for_macos(folder, interface_file, table):
+    interface = ElementTree.parse(interface_file)
+    entries = {f"{element.get('id')}.{MACOS_NAMES[attribute]}": table[key]
+               for element, attribute, key in texts(interface)}
+    write_table(folder / "Localizable.strings", folder_texts(table))
+    write_table(folder / interface_file.with_suffix(".strings").name, entries)
+
+
+WRITERS = {"gnustep": write_for_gnustep, "macos": write_for_macos}
+
+
+def main(system, output, interface_file, *tables):
+    interface_file = Path(interface_file)
+    wanted = {key for _, _, key in texts(ElementTree.parse(interface_file))} | set(FOLDER_KEYS)
+    for path in map(Path, tables):
+        table = read_table(path)
+        check(path, table, wanted)
+        WRITERS[system](Path(output) / path.parent.name, interface_file, table)
+
+
+if __name__ == "__main__":
+    if len(sys.argv) < 5 or sys.argv[1] not in WRITERS:
+        sys.exit(__doc__)
+    main(*sys.argv[1:])
