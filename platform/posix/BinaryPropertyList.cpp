@@ -42,8 +42,8 @@ private:
         if (index >= objects_.size()) return false;
         Object& object = objects_[index];
         // An object that contains itself is found out by its depth.
-        if (object.cost == 0 && (depth > deepestNesting + 1 || !measure(object, index, depth))) return false;
-        return depth + object.height <= deepestNesting + 1 && object.cost <= largestPropertyList;
+        if (object.cost == 0 && (depth > deepestNesting || !measure(object, index, depth))) return false;
+        return depth + object.height <= deepestNesting && object.cost <= largestPropertyList;
     }
 
     bool measure(Object& object, std::uint64_t index, std::size_t depth) {

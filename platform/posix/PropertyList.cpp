@@ -75,22 +75,21 @@ bool forEachItem(plist_t container, Visit visit) {
     }
 }
 
-/// Whether all texts are UTF-8. Escapes them too when the list that they come from knows no escapes.
-bool prepareTexts(plist_t node, bool needsEscapes) {
+/// Changes every text and key below `node`. Returns whether all were UTF-8.
+bool changeTexts(plist_t node, std::string (*changed)(std::string_view)) {
     const auto type = plist_get_node_type(node);
     if (type == PLIST_STRING) {
         const auto text = textOf(node);
-        if (needsEscapes) plist_set_string_val(node, withEscapes(text).c_str());
-        return posix::isText(textOf(node));
+        if (!posix::isText(text)) return false;
+        if (const auto other = changed(text); other != text) plist_set_string_val(node, other.c_str());
     }
     if (type != PLIST_DICT && type != PLIST_ARRAY) return true;
     return forEachItem(node, [&](std::string_view key, plist_t item) {
-        if (!posix::isText(key) && type == PLIST_DICT) return false;
-        if (needsEscapes && type == PLIST_DICT) {
-            const auto escaped = withEscapes(key);
-            if (escaped != key) plist_set_key_val(plist_dict_item_get_key(item), escaped.c_str());
+        if (!posix::isText(key)) return false;
+        if (const auto other = changed(key); other != key) {
+            plist_set_key_val(plist_dict_item_get_key(item), other.c_str());
         }
-        return prepareTexts(item, needsEscapes);
+        return changeTexts(item, changed);
     });
 }
 
@@ -207,7 +206,9 @@ std::optional<PropertyList> PropertyList::parse(std::string_view bytes) {
     plist_t root = nullptr;               // libplist reads it before it sets it
     (isBinary ? plist_from_bin : plist_from_xml)(terminated.data(), static_cast<std::uint32_t>(bytes.size()), &root);
     const Node list = makeNode(root);
-    if (plist_get_node_type(root) != PLIST_DICT || !prepareTexts(root, isBinary)) return std::nullopt;
+    // A binary list has no escapes, and GNUstep's of an XML list are better without some.
+    const auto changed = isBinary ? posix::withEscapes : posix::withPairsRead;
+    if (plist_get_node_type(root) != PLIST_DICT || !changeTexts(root, changed)) return std::nullopt;
 
     auto entries = std::make_unique<Entries>();
     forEachItem(root, [&](std::string_view key, plist_t item) {

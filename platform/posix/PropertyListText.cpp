@@ -86,6 +86,29 @@ std::optional<std::uint32_t> unitToEscape(std::string_view text) {
     return std::nullopt;
 }
 
+std::string read(std::string_view text, bool onlyPairs) {
+    std::string plain;
+    while (!text.empty()) {
+        const auto escapeStart = text.find("\\U");
+        plain += text.substr(0, escapeStart);
+        if (escapeStart == std::string_view::npos) break;
+        text.remove_prefix(escapeStart);
+
+        std::size_t length = escapeLength;
+        if (const auto pair = escapedPair(text)) {
+            appendCharacter(plain, *pair);
+            length = 2 * escapeLength;
+        } else if (const auto unit = escapedUnit(text); unit && !isSurrogate(*unit) && !onlyPairs) {
+            appendCharacter(plain, *unit);
+        } else {
+            length = 2;
+            plain += text.substr(0, length);
+        }
+        text.remove_prefix(length);
+    }
+    return plain;
+}
+
 }  // namespace
 
 bool isText(std::string_view bytes) {
@@ -115,26 +138,11 @@ std::string withEscapes(std::string_view text) {
 }
 
 std::string withEscapesRead(std::string_view text) {
-    std::string read;
-    while (!text.empty()) {
-        const auto escapeStart = text.find("\\U");
-        read += text.substr(0, escapeStart);
-        if (escapeStart == std::string_view::npos) break;
-        text.remove_prefix(escapeStart);
+    return read(text, /*onlyPairs=*/false);
+}
 
-        std::size_t length = escapeLength;
-        if (const auto pair = escapedPair(text)) {
-            appendCharacter(read, *pair);
-            length = 2 * escapeLength;
-        } else if (const auto unit = escapedUnit(text); unit && !isSurrogate(*unit)) {
-            appendCharacter(read, *unit);
-        } else {
-            length = 2;
-            read += text.substr(0, length);
-        }
-        text.remove_prefix(length);
-    }
-    return read;
+std::string withPairsRead(std::string_view text) {
+    return read(text, /*onlyPairs=*/true);
 }
 
 }  // namespace vantrel::posix

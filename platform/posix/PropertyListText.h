@@ -18,4 +18,8 @@ std::string withEscapes(std::string_view text);
 /// The reverse of `withEscapes`. Surrogate pairs are read too; an escape that is half of one stays as it is.
 std::string withEscapesRead(std::string_view text);
 
+/// `text` with the escapes of each surrogate pair, and no others, read: GNUstep 1.28 writes such pairs, but loses them
+/// when it reads them back.
+std::string withPairsRead(std::string_view text);
+
 }  // namespace vantrel::posix

@@ -193,7 +193,7 @@ private:
 }  // namespace
 
 bool isSoundXMLPropertyList(std::string_view xml) {
-    return isDeclaredAsUTF8(xml) && Inspector(xml).isSound();
+    return xml.find('\0') == std::string_view::npos && isDeclaredAsUTF8(xml) && Inspector(xml).isSound();
 }
 
 }  // namespace vantrel::posix
