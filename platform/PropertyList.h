@@ -42,7 +42,7 @@ public:
     /// to the range of the type; 1 or 0 for a Boolean. Nothing when there is no number.
     std::optional<std::int32_t> intValue(std::string_view key) const;
 
-    /// Each replaces what stands under `key`, of whatever type. Texts are UTF-8; bytes that aren't become U+FFFD.
+    /// Each replaces what stands under `key`, of whatever type. Texts are UTF-8.
     void setBoolean(std::string_view key, bool flag);
     void setInteger(std::string_view key, std::int64_t number);
     void setString(std::string_view key, std::string_view text);
