@@ -85,7 +85,6 @@ private:
             if (isDictionary && item < count && found.kind != 0x5 && found.kind != 0x6) return false;
             height = std::max(height, found.height + 1);
             cost += found.cost;
-            if (cost > largestPropertyList) return false;
         }
         object.height = height;
         object.cost = cost;

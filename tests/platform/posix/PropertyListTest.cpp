@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
-#include <locale.h>
 
 #include <array>
 #include <bit>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -60,7 +60,7 @@ std::string readOf(const std::string& element) {
     return readOf(listWith(element));
 }
 
-/// While it lives, this thread's locale has a comma for its decimal sign. Made on the spot: none may be installed.
+/// While it lives, the process's locale has a comma for its decimal sign. Made on the spot: none may be installed.
 class LocaleWithComma {
 public:
     LocaleWithComma() {
@@ -69,22 +69,16 @@ public:
         // It warns of every category that isn't there, and tells of warnings like of errors.
         [[maybe_unused]] const int warned = std::system(command.c_str());
         setenv("LOCPATH", folder_.path.c_str(), 1);
-        comma_ = newlocale(LC_NUMERIC_MASK, "comma", nullptr);
+        const bool isSet = std::setlocale(LC_NUMERIC, "comma") != nullptr;
         unsetenv("LOCPATH");
-        if (!comma_) throw std::runtime_error("no locale at " + folder_.path);
-        before_ = uselocale(comma_);
+        if (!isSet) throw std::runtime_error("no locale at " + folder_.path);
     }
     LocaleWithComma(const LocaleWithComma&) = delete;
     LocaleWithComma& operator=(const LocaleWithComma&) = delete;
-    ~LocaleWithComma() {
-        uselocale(before_);
-        freelocale(comma_);
-    }
+    ~LocaleWithComma() { std::setlocale(LC_NUMERIC, "C"); }
 
 private:
     TemporaryFolder folder_;
-    locale_t comma_ = nullptr;
-    locale_t before_ = nullptr;
 };
 
 std::string oneAndAHalf() {
@@ -284,6 +278,25 @@ TEST(PropertyListParse, NestingEndsTheReadAndNotTheProcess) {
     EXPECT_TRUE(isParsed(nested(deepestNesting)));
     EXPECT_FALSE(isParsed(nested(deepestNesting + 1)));
     EXPECT_FALSE(isParsed(nested(200'000)));
+}
+
+TEST(PropertyListParse, AQuoteDoesntHideNesting) {
+    std::string arrays;
+    for (std::size_t level = 0; level <= deepestNesting; ++level) arrays += "<array>";
+    for (std::size_t level = 0; level <= deepestNesting; ++level) arrays += "</array>";
+    const auto list = "<dict><key>a</key>" + arrays + "</dict>";
+    EXPECT_FALSE(isParsed("<!DOCTYPE plist \"><dict/><!-- \">" + list + "<!-- -->"));
+    EXPECT_FALSE(isParsed("<?x \"?><dict/><!-- \"?>" + list + "<!-- -->"));
+}
+
+TEST(PropertyListParse, MoreObjectsThanAListCanWantAreNotRead) {
+    std::string flags;
+    for (std::size_t object = 0; object < 2 * mostObjects; ++object) flags += "<true/>";
+    EXPECT_FALSE(isParsed(listOf("<key>a</key><array>" + flags + "</array>")));
+}
+
+TEST(PropertyListParse, AKeyWithANulIsDamage) {
+    EXPECT_FALSE(isParsed(listOf("<key>a\0b</key><true/>"s)));
 }
 
 TEST(PropertyListParse, AListPastTheLargestIsNotRead) {
@@ -550,6 +563,7 @@ TEST(BinaryPropertyList, WhatXMLCouldNotGiveBackIsDamage) {
                            "a\0b"s),
               "damaged");
     EXPECT_EQ(readOfBinary("\x61" + bigEndian(0xD83D, 2)), "damaged");
+    EXPECT_EQ(readOfBinary("\x61" + bigEndian(0xDE00, 2)), "damaged");
     EXPECT_EQ(readOfBinary("\x61" + bigEndian(0, 2)), "damaged");
     EXPECT_EQ(readOfBinary("\x51\xE9"), "damaged");
     EXPECT_EQ(readOfBinary("\x14" + bigEndian(1, 8) + bigEndian(0, 8)), "damaged");
