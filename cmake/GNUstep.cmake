@@ -1,4 +1,4 @@
-# GNUstep's Foundation and AppKit as the target `gnustep`, and its preference pane framework as `preferencepanes`.
+# GNUstep's Foundation and AppKit as the target `appkit`, and its preference pane framework as `preferencepanes`.
 find_program(GNUSTEP_CONFIG gnustep-config REQUIRED)
 execute_process(COMMAND ${GNUSTEP_CONFIG} --objc-flags OUTPUT_VARIABLE objc_flags OUTPUT_STRIP_TRAILING_WHITESPACE
                 COMMAND_ERROR_IS_FATAL ANY)
@@ -14,17 +14,17 @@ list(FILTER gnustep_includes INCLUDE REGEX "^-I/")
 list(TRANSFORM gnustep_includes REPLACE "^-I" "")
 list(FILTER objc_flags EXCLUDE REGEX "^-(I|MMD|MP|g|O|Wall)")
 
-add_library(gnustep INTERFACE)
-target_compile_options(gnustep INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:${objc_flags}>")
-target_include_directories(gnustep SYSTEM INTERFACE ${gnustep_includes})
-target_link_libraries(gnustep INTERFACE ${gui_libs})
+add_library(appkit INTERFACE)
+target_compile_options(appkit INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:${objc_flags}>")
+target_include_directories(appkit SYSTEM INTERFACE ${gnustep_includes})
+target_link_libraries(appkit INTERFACE ${gui_libs})
 
 # clang doesn't look where gcc keeps the headers of the Objective-C runtime that both share.
 if(CMAKE_OBJCXX_COMPILER_ID MATCHES Clang)
     execute_process(COMMAND gcc -print-file-name=include OUTPUT_VARIABLE gcc_include
                     OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-    target_compile_options(gnustep INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:SHELL:-idirafter ${gcc_include}>")
+    target_compile_options(appkit INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:SHELL:-idirafter ${gcc_include}>")
 endif()
 
 add_library(preferencepanes INTERFACE)
-target_link_libraries(preferencepanes INTERFACE gnustep PreferencePanes)
+target_link_libraries(preferencepanes INTERFACE appkit PreferencePanes)

@@ -10,8 +10,9 @@
 ///     bit  3      look                   bit  5      gamma
 ///     bits 16-19  presentation demosaic  bits 20-23  render demosaic
 ///
-/// The other bits belong to nobody here. All arithmetic is done on 32 bits and widened to the stored `long`
-/// afterwards. `stored` is nothing where the key is absent, not a number, or not readable as a `long`.
+/// The other bits belong to nobody here. In a 64-bit `long`, switching a stage keeps what stands above bit 31, and
+/// choosing a demosaic method clears it. `stored` is nothing where the key is absent, not a number, or not readable as
+/// a `long`.
 namespace vantrel::colorProcessingPath {
 
 inline constexpr std::int32_t colorMatrixBit = 1;

@@ -2,10 +2,13 @@
 
 #import <AppKit/AppKit.h>
 
-/// The pane's main view. It gives the pane's first control the keyboard when a host shows the pane.
+/// The pane's main view: it does for the interface file what not every host or system does.
 ///
-/// A host is meant to do that itself, with the pane's `initialKeyView`, but some leave the keyboard on their own
-/// buttons, from where the Tab key never reaches the pane.
+/// It gives the pane's first control the keyboard when a host shows the pane. A host is meant to do that itself, with
+/// the pane's `initialKeyView`, but some leave the keyboard on their own buttons, from where Tab never gets here.
+///
+/// On GNUstep it names the fonts that stand in for characters that the system font lacks. Without names, GNUstep shows
+/// Japanese as question marks even where a Japanese font is installed.
 @interface VantrelPaneView : NSView {
     IBOutlet NSView *firstControl;
 }

@@ -11,8 +11,9 @@ namespace {
 
 constexpr double oldAge = 20;       // seconds, as GNUstep has it
 constexpr double longestWait = 30;  // seconds: time for one dead holder and a queue behind it
+// Nanoseconds. GNUstep looks every 0.1 seconds; a user who clicks shouldn't wait so long for a lock held that shortly.
 constexpr long firstPause = 1'000'000;
-constexpr long longestPause = 100'000'000;  // nanoseconds, as GNUstep has it
+constexpr long longestPause = 50'000'000;
 
 double seconds(const struct timespec& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;

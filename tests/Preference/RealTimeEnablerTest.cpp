@@ -43,6 +43,17 @@ TEST(RealTimeEnabler, AClickSwapsTheFilesAndIsRemembered) {
     EXPECT_EQ(contents(it.preferences.synchronizedDomain("com.vantrel.codec"))["fcpRTEnableSwap"], "true");
 }
 
+TEST(RealTimeEnabler, TheActionWorksOnTheSender) {
+    ValidPane it;
+    it.load();
+    MemoryCheckBox sender{it.journal, "sender"};
+    sender.shown = onState;
+    it.fcpRTEnable.shown = onState;
+    it.pane.fcpRTEnableCheckBox(sender);
+    EXPECT_EQ(sender.shown, offState);
+    EXPECT_EQ(it.fcpRTEnable.shown, onState);
+}
+
 /// A refused click leaves the key, so the next pane shows what it shows.
 TEST(RealTimeEnabler, AfterARefusedClickTheNextSetUpShowsTheOldKey) {
     ValidPane it;

@@ -1,0 +1,29 @@
+# The bundle that the settings host loads, Vantrel.prefPane, in the build folder.
+if(APPLE)
+    set(system Apple)
+    set(system_library vantrel_apple)
+else()
+    set(system GNUstep)
+    set(system_library vantrel_posix)
+endif()
+
+add_library(pane MODULE ConnectedPane.mm PrincipalClass.mm SystemServices${system}.mm)
+target_link_libraries(pane PRIVATE vantrel_pane vantrel_override_record vantrel_cocoa ${system_library}
+                                   preferencepanes)
+set_target_properties(pane PROPERTIES OUTPUT_NAME Vantrel PREFIX "" SUFFIX "")
+
+if(APPLE)
+    set_target_properties(pane PROPERTIES BUNDLE TRUE BUNDLE_EXTENSION prefPane
+                          MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_SOURCE_DIR}/Resources/Info.plist.in
+                          LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+    set(bundle_resources ${PROJECT_BINARY_DIR}/Vantrel.prefPane/Contents/Resources)
+else()
+    # The host loads many bundles into one process: nothing of ours may be seen outside but the class, which the
+    # Objective-C runtime finds without a symbol.
+    target_link_options(pane PRIVATE -Wl,--exclude-libs,ALL -Wl,--no-undefined)
+    set_target_properties(pane PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/Vantrel.prefPane)
+    set(bundle_resources ${PROJECT_BINARY_DIR}/Vantrel.prefPane/Resources)
+    configure_file(Resources/Info-gnustep.plist.in ${bundle_resources}/Info-gnustep.plist @ONLY)
+endif()
+
+include(Resources.cmake)

@@ -1,0 +1,34 @@
+/// The codec's override metadata, for the codec's programs: numbers under four-character keys, in a record that they
+/// and the settings pane share. Link with KVRXMetadataDictionary.
+#import <Foundation/Foundation.h>
+
+/// The override metadata as it was loaded from the record, and the way back. Make one for a sequence of calls and let
+/// it go; the record changes only through `writeToOverride:`. Not for use from several threads at once.
+@interface MetadataDictionary : NSObject {
+   @private
+    void *_record;
+    NSDictionary *_loaded;
+    NSMutableDictionary *_metadata;
+}
+
+/// Loads the current user's record. An empty dictionary when there is none yet; nil when there is one that can't be
+/// read, so that it is never overwritten.
+- (id)initFromOverride;
+
+/// The instance's metadata, key to value; never nil. What is changed in it, in place or in a copy that is handed to
+/// `setMetadata:`, lasts from `writeToOverride:` on.
+- (NSMutableDictionary *)metadata;
+
+/// Makes `metadata` the instance's own; its keys are strings, its values any of a property list's. nil is taken as
+/// empty.
+- (void)setMetadata:(NSMutableDictionary *)metadata;
+
+/// Stores `object` under `key`, replacing any entry.
+- (void)addObject:(id)object withKey:(NSString *)key;
+
+/// Replaces the whole record, durably. An entry that is still the very object that was loaded is written as it was
+/// read. Returns NO, with the record as it was, when that failed, when a value is none of a property list's, or when
+/// `record` isn't null, which alone has a meaning: the record that was loaded.
+- (BOOL)writeToOverride:(void *)record;
+
+@end

@@ -1,0 +1,388 @@
+#include <gmock/gmock.h>
+#import <objc/runtime.h>
+
+#import "tests/bundle/Host.h"
+
+/// The operations on the settings as another part of the codec would send them.
+@protocol StoreOperations
+- (BOOL)initPrefCheck:(NSButton *)control forKey:(NSString *)key;
+- (BOOL)initIntPrefCheck:(NSMatrix *)control forKey:(NSString *)key;
+- (void)updateBoolPref:(BOOL)value forKey:(NSString *)key;
+- (void)updateIntPref:(int)value forKey:(NSString *)key;
+- (void)updateBoolPref:(BOOL)value forKey:(NSString *)key forBit:(int)bit;
+- (void)setProcPathBit:(int)bit;
+- (void)clearProcPathBit:(int)bit;
+@end
+
+namespace vantrel::host {
+namespace {
+
+using testing::IsSupersetOf;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+
+using Entries = std::vector<std::pair<std::string, std::string>>;
+
+class Bundle : public testing::Test {
+   protected:
+    Bundle() { emptyHome(); }
+
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    ~Bundle() override { [pool release]; }
+};
+
+/// A domain in which nothing needs repair, whatever the machine's number of cores.
+NSMutableDictionary *completeDomain() {
+    NSMutableDictionary *domain = [NSMutableDictionary dictionary];
+    for (const char *flag : {"colorMatrix", "whiteBalance", "look", "gamma", "FormatYUV8", "FormatYUV8A", "FormatYUV16",
+                             "FormatYUV32", "FormatRGB8", "FormatRGB16", "FormatRGB32", "FCPForceLetterBox",
+                             "PProCS5HasMovieSetup", "ShowStereoStatusMenu", "fcpRTEnableSwap"}) {
+        [domain setObject:[NSNumber numberWithBool:YES] forKey:[NSString stringWithUTF8String:flag]];
+    }
+    for (const char *number : {"ColorProcessingPath", "QTGammaCorrection", "FCPGammaCorrection", "MaxEncodeThreads"}) {
+        [domain setObject:[NSNumber numberWithInt:0] forKey:[NSString stringWithUTF8String:number]];
+    }
+    [domain setObject:@"/luts" forKey:@"LUTsPath"];
+    [domain setObject:@"/overrides" forKey:@"OverridePath"];
+    return domain;
+}
+
+std::string text(id object) {
+    return [[object description] UTF8String];
+}
+
+TEST_F(Bundle, ThePrincipalClassIsAPreferencePane) {
+    Class principal = [[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass];
+    EXPECT_EQ(text(NSStringFromClass(principal)), "VantrelPref");
+    EXPECT_TRUE([principal isSubclassOfClass:[NSPreferencePane class]]);
+}
+
+TEST_F(Bundle, APaneWithoutABundleIsNone) {
+    Class principal = [[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass];
+    EXPECT_EQ([[principal alloc] initWithBundle:nil], nil);
+}
+
+TEST_F(Bundle, ThePaneKeepsApplicationIDVersionAndCommittedFolders) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    EXPECT_EQ(text(pane.variable("appID")), "com.vantrel.codec");
+    EXPECT_EQ(text(pane.variable("_versionString")), BUNDLE_VERSION);
+    EXPECT_EQ(text(pane.variable("_LUTsPathString")), "/luts");
+    EXPECT_EQ(text(pane.variable("_overridePathString")), "/overrides");
+    EXPECT_EQ(text([pane.variable("_versionNumber") stringValue]), BUNDLE_VERSION);
+}
+
+TEST_F(Bundle, TheInstanceVariablesStandInTheOrderThatOtherBuildsHaveThem) {
+    const char *const names[] = {"colorMatrix",
+                                 "gamma",
+                                 "look",
+                                 "whiteBalance",
+                                 "filter422To444",
+                                 "fmtRGB8Bit",
+                                 "fmtRGB16Bit",
+                                 "fmtRGB32Bit",
+                                 "fmtYUV8Bit",
+                                 "fmtYUV16Bit",
+                                 "fmtYUV32Bit",
+                                 "fmtYUV8BitA",
+                                 "fmtDualStream3D",
+                                 "fmtFCPGamma",
+                                 "fmtQTGamma",
+                                 "fmtFCPLetterbox",
+                                 "fcpRTEnable",
+                                 "cs5SourceSettings",
+                                 "encodeThreads",
+                                 "decodeThreads",
+                                 "presentationDemosaic",
+                                 "renderDemosaic",
+                                 "_LUTsPath",
+                                 "_overridePath",
+                                 "_LUTsOK",
+                                 "_LUTsUndo",
+                                 "_overrideOK",
+                                 "_overrideUndo",
+                                 "_showStereoStatus",
+                                 "_versionNumber",
+                                 "_versionString",
+                                 "appID",
+                                 "_LUTsPathString",
+                                 "_overridePathString"};
+    Class principal = [[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass];
+    ptrdiff_t previous = 0;
+    for (const char *name : names) {
+        Ivar variable = class_getInstanceVariable(principal, name);
+        ASSERT_TRUE(variable) << name;
+        EXPECT_GT(ivar_getOffset(variable), previous) << name;
+        previous = ivar_getOffset(variable);
+    }
+}
+
+struct Connection {
+    const char *outlet;
+    const char *controlClass;
+    const char *action;
+};
+
+class EveryControl : public Bundle, public testing::WithParamInterface<Connection> {};
+
+TEST_P(EveryControl, IsConnectedToItsOutletAndSendsItsActionToThePane) {
+    const Pane pane;
+    id control = pane.variable(GetParam().outlet);
+    EXPECT_TRUE([control isKindOfClass:objc_getClass(GetParam().controlClass)]);
+    EXPECT_EQ([control target], pane.object());
+    EXPECT_STREQ(sel_getName([control action]), GetParam().action);
+    EXPECT_TRUE([pane.object() respondsToSelector:sel_registerName(GetParam().action)]);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ByName, EveryControl,
+    testing::Values(Connection{"colorMatrix", "NSButton", "colorMatrixCheckBox:"},
+                    Connection{"gamma", "NSButton", "gammaCheckBox:"}, Connection{"look", "NSButton", "lookCheckBox:"},
+                    Connection{"whiteBalance", "NSButton", "whiteBalanceCheckBox:"},
+                    Connection{"filter422To444", "NSButton", "filter422To444Button:"},
+                    Connection{"fmtRGB8Bit", "NSButton", "fmtRGB8BitCheckBox:"},
+                    Connection{"fmtRGB16Bit", "NSButton", "fmtRGB16BitCheckBox:"},
+                    Connection{"fmtRGB32Bit", "NSButton", "fmtRGB32BitCheckBox:"},
+                    Connection{"fmtYUV8Bit", "NSButton", "fmtYUV8BitCheckBox:"},
+                    Connection{"fmtYUV16Bit", "NSButton", "fmtYUV16BitCheckBox:"},
+                    Connection{"fmtYUV32Bit", "NSButton", "fmtYUV32BitCheckBox:"},
+                    Connection{"fmtYUV8BitA", "NSButton", "fmtYUV8BitACheckBox:"},
+                    Connection{"fmtDualStream3D", "NSButton", "fmtDualStream3DCheckBox:"},
+                    Connection{"fmtFCPGamma", "NSMatrix", "fmtFCPGammaRadioButton:"},
+                    Connection{"fmtQTGamma", "NSMatrix", "fmtQTGammaRadioButton:"},
+                    Connection{"fmtFCPLetterbox", "NSButton", "fmtFCPLetterboxCheckBox:"},
+                    Connection{"fcpRTEnable", "NSButton", "fcpRTEnableCheckBox:"},
+                    Connection{"cs5SourceSettings", "NSButton", "cs5SourceSettingsCheck:"},
+                    Connection{"encodeThreads", "NSPopUpButton", "encodeThreadLimitChange:"},
+                    Connection{"decodeThreads", "NSPopUpButton", "decodeThreadLimitChange:"},
+                    Connection{"presentationDemosaic", "NSPopUpButton", "presentationDemosaicSelect:"},
+                    Connection{"renderDemosaic", "NSPopUpButton", "precisionDemosaicSelect:"},
+                    Connection{"_LUTsOK", "NSButton", "LUTsOKUpdate:"},
+                    Connection{"_LUTsUndo", "NSButton", "LUTSUndoUpdate:"},
+                    Connection{"_overrideOK", "NSButton", "overrideOKUpdate:"},
+                    Connection{"_overrideUndo", "NSButton", "overrideUndoUpdate:"},
+                    Connection{"_showStereoStatus", "NSButton", "stereoModeStatusViewChange:"}),
+    [](const auto &test) { return std::string(test.param.outlet); });
+
+TEST_F(Bundle, BothFoldersAreEditableFieldsWhoseDelegateIsThePane) {
+    const Pane pane;
+    for (const char *outlet : {"_LUTsPath", "_overridePath"}) {
+        EXPECT_TRUE([pane.variable(outlet) isKindOfClass:[NSTextField class]]) << outlet;
+        EXPECT_TRUE([pane.variable(outlet) isEditable]) << outlet;
+        EXPECT_EQ([pane.variable(outlet) delegate], pane.object()) << outlet;
+    }
+}
+
+TEST_F(Bundle, TheFolderButtonsStartDisabledAndEverythingElseEnabled) {
+    const Pane pane;
+    for (const char *outlet : {"_LUTsOK", "_LUTsUndo", "_overrideOK", "_overrideUndo"}) {
+        EXPECT_FALSE([pane.variable(outlet) isEnabled]) << outlet;
+    }
+    for (const char *outlet : {"fmtRGB8Bit", "fcpRTEnable", "cs5SourceSettings", "encodeThreads", "_LUTsPath"}) {
+        EXPECT_TRUE([pane.variable(outlet) isEnabled]) << outlet;
+    }
+}
+
+TEST_F(Bundle, TheViewIsAsWideAsTheHostsBox) {
+    const Pane pane;
+    EXPECT_EQ([[pane.object() mainView] bounds].size.width, 570);
+    EXPECT_LE([[pane.object() mainView] bounds].size.height, 620);
+}
+
+TEST_F(Bundle, OpeningOnACompleteDomainWritesNothing) {
+    writeDomainFile(completeDomain());
+    const auto before = domainFile();
+    const Pane pane;
+    EXPECT_EQ(domainFile(), before);
+}
+
+/// Runs in a process of its own: what another pane of the process wrote without synchronising would be flushed along.
+class BundleInAFreshProcess : public Bundle {};
+
+TEST_F(BundleInAFreshProcess, OpeningOnAnEmptyDomainSynchronisesAllButTheLastGroups) {
+    const Pane pane;
+    auto synchronised = domainFile();
+    synchronised.erase("MaxEncodeThreads");  // there or not, by the number of cores
+    EXPECT_THAT(
+        synchronised,
+        UnorderedElementsAre(Pair("whiteBalance", "bool 1"), Pair("colorMatrix", "bool 1"), Pair("look", "bool 1"),
+                             Pair("gamma", "bool 1"), Pair("ColorProcessingPath", "number 46"),
+                             Pair("QTGammaCorrection", "number 0"), Pair("FCPGammaCorrection", "number 0"),
+                             Pair("FormatYUV8", "bool 1"), Pair("FormatYUV8A", "bool 1"), Pair("FormatYUV16", "bool 1"),
+                             Pair("FormatYUV32", "bool 1"), Pair("FormatRGB8", "bool 1"), Pair("FormatRGB16", "bool 1"),
+                             Pair("FormatRGB32", "bool 1"), Pair("FCPForceLetterBox", "bool 1"),
+                             Pair("ShowStereoStatusMenu", "bool 1")));
+
+    pane.click("fmtRGB8Bit");
+    EXPECT_THAT(domainFile(),
+                IsSupersetOf(Entries{
+                    {"FormatRGB8", "bool 0"}, {"fcpRTEnableSwap", "bool 0"}, {"PProCS5HasMovieSetup", "bool 1"}}));
+    EXPECT_TRUE(domainFile().contains("LUTsPath"));
+    EXPECT_TRUE(domainFile().contains("OverridePath"));
+    EXPECT_FALSE(domainFile().contains("FormatDualStream3D"));
+}
+
+struct Flag {
+    const char *outlet;
+    const char *key;
+};
+
+class EveryFlag : public Bundle, public testing::WithParamInterface<Flag> {};
+
+TEST_P(EveryFlag, IsOnDiskAsSoonAsItsCheckBoxIsClicked) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    [pane.variable(GetParam().outlet) setState:NSOnState];
+    pane.click(GetParam().outlet);
+    EXPECT_EQ(domainFile()[GetParam().key], "bool 0");
+    pane.click(GetParam().outlet);
+    EXPECT_EQ(domainFile()[GetParam().key], "bool 1");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ByName, EveryFlag,
+    testing::Values(Flag{"fmtRGB8Bit", "FormatRGB8"}, Flag{"fmtRGB16Bit", "FormatRGB16"},
+                    Flag{"fmtRGB32Bit", "FormatRGB32"}, Flag{"fmtYUV8Bit", "FormatYUV8"},
+                    Flag{"fmtYUV16Bit", "FormatYUV16"}, Flag{"fmtYUV32Bit", "FormatYUV32"},
+                    Flag{"fmtYUV8BitA", "FormatYUV8A"}, Flag{"fmtDualStream3D", "FormatDualStream3D"},
+                    Flag{"fmtFCPLetterbox", "FCPForceLetterBox"}, Flag{"cs5SourceSettings", "PProCS5HasMovieSetup"},
+                    Flag{"colorMatrix", "colorMatrix"}, Flag{"whiteBalance", "whiteBalance"}, Flag{"look", "look"},
+                    Flag{"gamma", "gamma"}, Flag{"_showStereoStatus", "ShowStereoStatusMenu"}),
+    [](const auto &test) { return std::string(test.param.outlet); });
+
+TEST_F(Bundle, AStageSwitchedOnAddsItsBitAndBitZero) {
+    NSMutableDictionary *domain = completeDomain();
+    [domain setObject:[NSNumber numberWithInt:0x300000] forKey:@"ColorProcessingPath"];
+    [domain setObject:[NSNumber numberWithBool:NO] forKey:@"gamma"];
+    writeDomainFile(domain);
+    const Pane pane;
+    pane.click("gamma");
+    EXPECT_EQ(domainFile()["ColorProcessingPath"], "number " + std::to_string(0x300021));
+    pane.click("gamma");
+    EXPECT_EQ(domainFile()["ColorProcessingPath"], "number " + std::to_string(0x300001));
+}
+
+TEST_F(Bundle, AChosenRowOrItemIsStoredByItsIndex) {
+    NSMutableDictionary *domain = completeDomain();
+    [domain setObject:[NSNumber numberWithInt:0x2F] forKey:@"ColorProcessingPath"];
+    writeDomainFile(domain);
+    const Pane pane;
+    pane.choose("fmtFCPGamma", 1);
+    pane.choose("fmtQTGamma", 1);
+    pane.choose("renderDemosaic", 2);
+    pane.choose("presentationDemosaic", 1);
+    EXPECT_THAT(domainFile(), IsSupersetOf(Entries{{"FCPGammaCorrection", "number 1"},
+                                                   {"QTGammaCorrection", "number 1"},
+                                                   {"RenderDebayer", "number 2"},
+                                                   {"8bitDebayer", "number 1"},
+                                                   {"ColorProcessingPath", "number " + std::to_string(0x21002F)}}));
+}
+
+TEST_F(Bundle, BothDemosaicMenusOfferTheSameSixteenOrFewerMethods) {
+    const Pane pane;
+    NSArray *titles = [pane.variable("renderDemosaic") itemTitles];
+    EXPECT_TRUE([titles isEqual:[pane.variable("presentationDemosaic") itemTitles]]);
+    EXPECT_GE([titles count], 2U);
+    EXPECT_LE([titles count], 16U);
+}
+
+TEST_F(Bundle, TheThreadMenusAreFilledFromTheNumberOfCores) {
+    const Pane pane;
+    const NSInteger cores = [pane.variable("encodeThreads") numberOfItems];
+    EXPECT_GE(cores, 1);
+    EXPECT_EQ([pane.variable("decodeThreads") numberOfItems], cores + 1);
+    EXPECT_EQ(text([pane.variable("encodeThreads") itemTitleAtIndex:0]), "1");
+    EXPECT_EQ(text([pane.variable("decodeThreads") itemTitleAtIndex:0]), "All");
+    EXPECT_EQ(text([pane.variable("decodeThreads") itemTitleAtIndex:1]), "1");
+}
+
+TEST_F(Bundle, DecodeLimitAndChromaFilterAreInTheOverrideRecord) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    [pane.variable("filter422To444") setState:NSOffState];
+    pane.click("filter422To444");
+    pane.choose("decodeThreads", 1);
+    EXPECT_THAT(overrideRecord(), UnorderedElementsAre(Pair("CLSF", "number 1"), Pair("CPUM", "number 1")));
+    EXPECT_FALSE(domainFile().contains("CPUM"));
+
+    const Pane next;
+    EXPECT_EQ([next.variable("filter422To444") state], NSOnState);
+    EXPECT_EQ([next.variable("decodeThreads") indexOfSelectedItem], 1);
+}
+
+TEST_F(Bundle, TypingEnablesThatFoldersButtonsAndOKStoresTheText) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    pane.type("_LUTsPath", @"/Volumes/LUTs & <Looks> \u6f22");
+    EXPECT_TRUE([pane.variable("_LUTsOK") isEnabled]);
+    EXPECT_TRUE([pane.variable("_LUTsUndo") isEnabled]);
+    EXPECT_FALSE([pane.variable("_overrideOK") isEnabled]);
+    EXPECT_FALSE([pane.variable("_overrideUndo") isEnabled]);
+    EXPECT_EQ(domainFile()["LUTsPath"], "string /luts");
+
+    pane.click("_LUTsOK");
+    EXPECT_EQ(domainFile()["LUTsPath"], "string /Volumes/LUTs & <Looks> \u6f22");
+    EXPECT_EQ(text(pane.variable("_LUTsPathString")), "/Volumes/LUTs & <Looks> \u6f22");
+    EXPECT_FALSE([pane.variable("_LUTsOK") isEnabled]);
+    EXPECT_FALSE([pane.variable("_LUTsUndo") isEnabled]);
+}
+
+TEST_F(Bundle, UndoPutsTheCommittedFolderBackAndWritesNothing) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    pane.type("_overridePath", @"/elsewhere");
+    EXPECT_TRUE([pane.variable("_overrideUndo") isEnabled]);
+    EXPECT_FALSE([pane.variable("_LUTsUndo") isEnabled]);
+    pane.click("_overrideUndo");
+    EXPECT_EQ(text([pane.variable("_overridePath") stringValue]), "/overrides");
+    EXPECT_EQ(domainFile()["OverridePath"], "string /overrides");
+    EXPECT_FALSE([pane.variable("_overrideUndo") isEnabled]);
+}
+
+TEST_F(Bundle, TheOperationsOnTheSettingsAnswerToTheirSelectors) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    id<StoreOperations> store = (id<StoreOperations>)pane.object();
+
+    [store updateBoolPref:NO forKey:@"FormatRGB8"];
+    EXPECT_EQ(domainFile()["FormatRGB8"], "bool 0");
+    [store updateIntPref:-1 forKey:@"QTGammaCorrection"];
+    EXPECT_EQ(domainFile()["QTGammaCorrection"], "number -1");
+    [store updateBoolPref:YES forKey:@"look" forBit:3];
+    EXPECT_EQ(domainFile()["ColorProcessingPath"], "number 9");
+    [store setProcPathBit:5];
+    EXPECT_EQ(domainFile()["ColorProcessingPath"], "number 41");
+    [store clearProcPathBit:3];
+    EXPECT_EQ(domainFile()["ColorProcessingPath"], "number 33");
+
+    NSButton *box = pane.variable("fmtRGB8Bit");
+    EXPECT_FALSE([store initPrefCheck:box forKey:@"FormatRGB8"]);
+    EXPECT_EQ([box state], NSOffState);
+    EXPECT_TRUE([store initPrefCheck:box forKey:@"no such key"]);
+    EXPECT_EQ([box state], NSOnState);
+    NSMatrix *matrix = pane.variable("fmtQTGamma");
+    EXPECT_TRUE([store initIntPrefCheck:matrix forKey:@"QTGammaCorrection"]);
+    EXPECT_EQ([matrix selectedRow], 0);
+}
+
+TEST_F(Bundle, AMissingGammaRowSwitchesTheFirstRowOnInTheRealMatrix) {
+    NSMutableDictionary *domain = completeDomain();
+    [domain removeObjectForKey:@"QTGammaCorrection"];
+    [domain setObject:[NSNumber numberWithInt:1] forKey:@"FCPGammaCorrection"];
+    writeDomainFile(domain);
+    const Pane pane;
+    EXPECT_EQ([pane.variable("fmtQTGamma") selectedRow], 0);
+    EXPECT_EQ([pane.variable("fmtFCPGamma") selectedRow], 1);
+}
+
+}  // namespace
+}  // namespace vantrel::host
+
+int main(int argc, char **argv) {
+    testing::InitGoogleTest(&argc, argv);
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    [NSApplication sharedApplication];
+    const int result = RUN_ALL_TESTS();
+    [pool release];
+    return result;
+}

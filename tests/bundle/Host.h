@@ -1,0 +1,55 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+#import <PreferencePanes/PreferencePanes.h>
+
+#include <map>
+#include <string>
+
+namespace vantrel::host {
+
+/// The folder in which this program's preferences and override record live; emptied before each test.
+std::string home();
+
+/// Starts over: no preferences, no override record.
+void emptyHome();
+
+/// What is in the codec's domain file: each key with its value as `class value`, e.g. "bool 1", "number 46",
+/// "string /Volumes". Empty when there is no file.
+std::map<std::string, std::string> domainFile();
+
+/// Writes the codec's domain file as another program would.
+void writeDomainFile(NSDictionary *domain);
+
+/// What is in the override record, likewise.
+std::map<std::string, std::string> overrideRecord();
+
+/// A pane as the settings host makes it: the principal class of the bundle, its view loaded and in a window. Like the
+/// host's, it is never torn down; it only goes off the screen.
+class Pane {
+   public:
+    Pane();
+    ~Pane();
+    Pane(const Pane &) = delete;
+    Pane &operator=(const Pane &) = delete;
+
+    NSPreferencePane *object() const { return object_; }
+
+    /// The object in the instance variable of that name; nil when the class has no such variable.
+    id variable(const char *name) const;
+
+    /// Tells a control that the user clicked it.
+    void click(const char *outlet) const { [variable(outlet) performClick:nil]; }
+
+    /// Selects a row or an item as the user does, and sends the action.
+    void choose(const char *outlet, NSInteger index) const;
+
+    /// Types text into a field, a key after the other, over what is in it.
+    void type(const char *outlet, NSString *text) const;
+
+   private:
+    NSWindow *window_;
+    NSPreferencePane *object_;
+};
+
+}  // namespace vantrel::host

@@ -1,0 +1,98 @@
+#import "tests/bundle/Host.h"
+
+#include <gtest/gtest.h>
+#import <objc/runtime.h>
+
+#include <filesystem>
+
+namespace vantrel::host {
+
+namespace {
+
+NSString *domainPath() {
+    return @HOME_PATH "/Defaults/com.vantrel.codec.plist";
+}
+
+std::map<std::string, std::string> described(NSDictionary *dictionary) {
+    std::map<std::string, std::string> entries;
+    NSEnumerator *keys = [dictionary keyEnumerator];
+    while (NSString *key = [keys nextObject]) {
+        id value = [dictionary objectForKey:key];
+        std::string kind = "other";
+        if ([value isKindOfClass:[NSString class]]) kind = "string";
+        if ([value isKindOfClass:[NSNumber class]]) kind = *[value objCType] == *@encode(BOOL) ? "bool" : "number";
+        const std::string name = [key UTF8String];
+        entries[name] = kind + " " + [[value description] UTF8String];
+    }
+    return entries;
+}
+
+}  // namespace
+
+std::string home() {
+    return HOME_PATH;
+}
+
+void emptyHome() {
+    std::filesystem::remove_all(home() + "/Defaults");
+    std::filesystem::remove_all(home() + "/Library");
+    std::filesystem::create_directories(home() + "/Defaults");
+    std::filesystem::create_directories(home() + "/Library");
+}
+
+std::map<std::string, std::string> domainFile() {
+    return described([NSDictionary dictionaryWithContentsOfFile:domainPath()]);
+}
+
+void writeDomainFile(NSDictionary *domain) {
+    NSData *xml = [NSPropertyListSerialization dataFromPropertyList:domain
+                                                             format:NSPropertyListXMLFormat_v1_0
+                                                   errorDescription:nullptr];
+    ASSERT_TRUE([xml writeToFile:domainPath() atomically:YES]);
+}
+
+std::map<std::string, std::string> overrideRecord() {
+    return described([NSDictionary
+        dictionaryWithContentsOfFile:@HOME_PATH "/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist"]);
+}
+
+Pane::Pane() {
+    NSBundle *bundle = [NSBundle bundleWithPath:@BUNDLE_PATH];
+    object_ = [[[bundle principalClass] alloc] initWithBundle:bundle];
+    NSView *view = [object_ loadMainView];
+    window_ = [[NSWindow alloc] initWithContentRect:[view bounds]
+                                          styleMask:NSTitledWindowMask
+                                            backing:NSBackingStoreBuffered
+                                              defer:NO];
+    [window_ setReleasedWhenClosed:NO];
+    [[window_ contentView] addSubview:view];
+    [window_ makeKeyAndOrderFront:nil];
+}
+
+Pane::~Pane() {
+    [window_ orderOut:nil];
+}
+
+id Pane::variable(const char *name) const {
+    Ivar variable = class_getInstanceVariable([object_ class], name);
+    return variable ? object_getIvar(object_, variable) : nil;
+}
+
+void Pane::choose(const char *outlet, NSInteger index) const {
+    id control = variable(outlet);
+    if ([control isKindOfClass:[NSMatrix class]]) {
+        [control selectCellAtRow:index column:0];
+    } else {
+        [control selectItemAtIndex:index];
+    }
+    [control sendAction:[control action] to:[control target]];
+}
+
+void Pane::type(const char *outlet, NSString *text) const {
+    NSTextField *field = variable(outlet);
+    [window_ makeFirstResponder:field];
+    [field selectText:nil];
+    [[field currentEditor] insertText:text];
+}
+
+}  // namespace vantrel::host

@@ -1,0 +1,199 @@
+# A desktop of our own, with the settings host on it, as a library for bash.
+#
+#   start_desktop   a virtual display with a window manager, told to all that is started afterwards
+#   open_host       the settings host; its windows go to $DISPLAY
+#   open_pane       a click on our icon in the host
+#   take_picture    what the display shows, as a file
+#   tell_settings   where the user's settings are and what they hold
+#   end_desktop     ends every process of this desktop and removes its scratch folder; runs on every exit
+#
+# Whatever can be watched is waited for by watching it. A wait that takes too long ends the script with status 1 and one
+# line that says what was waited for.
+
+# The host's window, measured: its box begins below the bar with "Show All" and holds icons in rows of seven.
+readonly box_left=12 box_top=46 box_bottom=12
+readonly icon_width=80 icon_height=87 icons_in_a_row=7 icon_middle=32
+readonly icons_height=356 host_height=414
+readonly pane_label=Vantrel domain=com.vantrel.codec
+
+endtoend_folder=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
+interface_file=$(realpath "$endtoend_folder/../../Preference/Vantrel/Resources/VantrelPref.xib")
+readonly endtoend_folder interface_file
+
+# Ends the script with status 1, a line that says why, and a picture of that moment.
+fail() {
+    echo "${BASH_SOURCE[-1]##*/}: $*" >&2
+    [[ -z ${host_window:-} ]] || take_picture "${VANTREL_PICTURES:-$scratch}/failure.png" >&2
+    tail -n 5 "$scratch"/*.log >&2
+    exit 1
+}
+
+# Runs a command every twentieth of a second until it succeeds; after half a minute `what` is told and the script ends.
+wait_until() { # what, command and its arguments
+    local what=$1 tries
+    shift
+    for ((tries = 0; tries < 600; ++tries)); do
+        "$@" && return
+        sleep 0.05
+    done
+    fail "waited in vain for $what"
+}
+
+start_desktop() {
+    scratch=$(mktemp -d "${TMPDIR:-/tmp}/vantrel.XXXXXX")
+    trap end_desktop EXIT
+    trap 'exit 130' INT TERM HUP
+
+    # GNUstep keeps the sockets between its processes in this folder, so that this desktop has a notification daemon of
+    # its own. The variable also marks the processes that belong to this desktop, daemons included.
+    mkdir -m 700 "$scratch/sockets"
+    export TEMP=$scratch/sockets XDG_CONFIG_HOME=$scratch XDG_CACHE_HOME=$scratch
+
+    Xvfb -displayfd 3 -screen 0 1024x1000x24 -nolisten tcp 3>"$scratch/display" 2>"$scratch/Xvfb.log" &
+    wait_until "a display" test -s "$scratch/display"
+    DISPLAY=:$(<"$scratch/display")
+    export DISPLAY
+    # Without a window manager clicks don't reach the host's window.
+    openbox >"$scratch/openbox.log" 2>&1 &
+    wait_until "the window manager" window_manager_runs
+}
+
+window_manager_runs() { xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id"; }
+
+# The processes that were started on this desktop, wherever they have put themselves since.
+desktop_processes() {
+    { grep -lzsxF "TEMP=$scratch/sockets" /proc/[0-9]*/environ || true; } | cut -d/ -f3
+}
+
+no_desktop_processes() { [[ -z $(desktop_processes) ]]; }
+
+end_desktop() {
+    local status=$? pid signal tries
+    trap - EXIT INT TERM HUP
+    # The host goes first: it would crash, noisily, on a display that has gone.
+    if [[ -n ${host_process:-} ]]; then
+        kill "$host_process" 2>/dev/null || true
+        for ((tries = 0; tries < 40; ++tries)); do
+            kill -0 "$host_process" 2>/dev/null || break
+            sleep 0.05
+        done
+    fi
+    for signal in TERM KILL; do
+        for pid in $(desktop_processes); do kill -s "$signal" "$pid" 2>/dev/null || true; done
+        for ((tries = 0; tries < 40; ++tries)); do
+            no_desktop_processes && break 2
+            sleep 0.05
+        done
+    done
+    rm -rf "$scratch"
+    exit "$status"
+}
+
+open_host() {
+    SystemPreferences >"$scratch/host.log" 2>&1 &
+    host_process=$!
+    wait_until "the window of the settings host" find_host_window
+    settle
+}
+
+find_host_window() {
+    host_window=$(xdotool search --onlyvisible --name '^System Preferences$' 2>/dev/null) && [[ -n $host_window ]]
+}
+
+# Sets x, y, width and height to where a window is on the display, its frame not counted.
+measure() { # window
+    local name value
+    while IFS=: read -r name value; do
+        case $name in
+            *"Absolute upper-left X") x=$((value)) ;;
+            *"Absolute upper-left Y") y=$((value)) ;;
+            *Width) width=$((value)) ;;
+            *Height) height=$((value)) ;;
+        esac
+    done < <(xwininfo -id "$1")
+}
+
+# Waits until two pictures taken one after the other are the same: everything is drawn.
+settle() {
+    local last="" next tries
+    for ((tries = 0; tries < 100; ++tries)); do
+        next=$(import -silent -window root rgb:- | cksum)
+        [[ $next == "$last" ]] && return
+        last=$next
+        sleep 0.1
+    done
+    fail "the display does not come to rest"
+}
+
+# The labels of all panes that the host lists, in its order.
+pane_labels() {
+    local library bundle
+    for library in "$(gnustep_folder USER)" "$(gnustep_folder LOCAL)" "$(gnustep_folder SYSTEM)"; do
+        for bundle in "$library"/Bundles/*.prefPane; do
+            [[ -d $bundle ]] && echo "$(plget NSPrefPaneIconLabel <"$bundle/Resources/Info-gnustep.plist")"
+        done
+    done | LC_ALL=C sort -u
+}
+
+# Where GNUstep looks for bundles; the host itself asks the same library.
+gnustep_folder() { # USER, LOCAL or SYSTEM
+    gnustep-config --variable="GNUSTEP_$1_LIBRARY"
+}
+
+# The host misses a button that is released in the instant of its press.
+click() { # x, y on the display
+    xdotool mousemove "$1" "$2" mousedown 1 sleep 0.05 mouseup 1
+}
+
+# Clicks our icon and waits until the host's window has grown to the pane's height.
+open_pane() {
+    local position
+    read_controls
+    position=$(pane_labels | grep -nx "$pane_label" | cut -d: -f1)
+    [[ -n $position ]] || fail "the settings host has no pane called $pane_label"
+    position=$((position - 1))
+    measure "$host_window"
+    click $((x + box_left + position % icons_in_a_row * icon_width + icon_width / 2)) \
+        $((y + box_top + 8 + position / icons_in_a_row * icon_height + icon_middle - 8))
+    wait_until "the pane" host_is_high $((host_height - icons_height + frames_height[view]))
+    settle
+}
+
+# Fills the tables of the controls' frames, counted from the top left corner of the pane's view, and of their items.
+declare -A frames_x frames_y frames_width frames_height items
+read_controls() {
+    local name x y width height count
+    while read -r name x y width height count; do
+        frames_x[$name]=$x frames_y[$name]=$y frames_width[$name]=$width frames_height[$name]=$height
+        items[$name]=$count
+    done < <(/usr/bin/python3 "$endtoend_folder/controls.py" "$interface_file")
+    [[ -n ${frames_height[view]:-} ]] || fail "the interface file can't be read"
+}
+
+host_is_high() { # height of the window
+    measure "$host_window"
+    ((height == $1))
+}
+
+take_picture() { # file
+    mkdir -p "$(dirname "$1")"
+    import -silent -window root "$1"
+    echo "Picture: $1"
+}
+
+tell_settings() {
+    echo "Settings: $(settings_file)"
+    defaults read "$domain"
+}
+
+# Where the user's settings are. GNUstep's tools have no command that tells the folder, so it is put together as its
+# library does.
+settings_file() {
+    local folder
+    folder=$(
+        source "${GNUSTEP_CONFIG_FILE:-/etc/GNUstep/GNUstep.conf}"
+        echo "$GNUSTEP_USER_DEFAULTS_DIR"
+    )
+    [[ $folder == /* ]] || folder=$(getent passwd "$EUID" | cut -d: -f6)/$folder
+    echo "$folder/$domain.plist"
+}

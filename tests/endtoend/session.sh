@@ -1,0 +1,143 @@
+# What an end-to-end test needs beyond a desktop of its own: GNUstep folders of its own, controls by their outlets'
+# names, what is stored, and expectations that say what they saw.
+#
+# A test is a script that sources this file and runs with VANTREL_BUNDLE, the bundle to open, and VANTREL_PICTURES, the
+# folder for its pictures, in the environment.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/desktop.sh"
+
+# A desktop whose user has our pane and nothing else: no settings, no overrides.
+start_session() {
+    start_desktop
+    local home=$scratch/home
+    record_file=$home/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist
+    mkdir -p "$home/Defaults" "$home/Library/Bundles"
+    # GNUstep doesn't look at $HOME: only its configuration file leads it away from the account's own folders.
+    export GNUSTEP_CONFIG_FILE=$home/GNUstep.conf
+    {
+        cat /etc/GNUstep/GNUstep.conf
+        echo "GNUSTEP_USER_CONFIG_FILE=$home/none"
+        echo "GNUSTEP_USER_DEFAULTS_DIR=$home/Defaults"
+        echo "GNUSTEP_USER_DIR_LIBRARY=$home/Library"
+    } >"$GNUSTEP_CONFIG_FILE"
+    defaults_file=$(settings_file)
+    cp -R "$VANTREL_BUNDLE" "$home/Library/Bundles/"
+}
+
+# A session with the pane open in the host.
+start_session_with_pane() {
+    start_session
+    open_host
+    open_pane
+}
+
+# A picture for people, named after what it shows.
+keep_picture() { # name
+    take_picture "$VANTREL_PICTURES/$1.png"
+}
+
+# Controls
+
+# Sets x, y, width and height to a control's frame on the display.
+find_control() { # outlet, or outlet/row of a radio matrix
+    [[ -n ${frames_x[$1]:-} ]] || fail "the interface file has no control $1"
+    measure "$host_window"
+    x=$((x + box_left + frames_x[$1]))
+    y=$((y + height - box_bottom - frames_height[view] + frames_y[$1]))
+    width=${frames_width[$1]} height=${frames_height[$1]}
+}
+
+click_control() { # outlet, or outlet/row of a radio matrix
+    local x y width height
+    find_control "$1"
+    click $((x + width / 2)) $((y + height / 2))
+}
+
+# Chooses an item of a pop-up as a hand does: press, move, release.
+choose_item() { # outlet, index, number of items if the interface file doesn't tell it
+    local x y width height count=${3:-${items[$1]}}
+    find_control "$1"
+    windows_before=$(visible_windows)
+    xdotool mousemove $((x + width / 2)) $((y + height / 2)) mousedown 1
+    wait_until "the menu of $1" find_new_window
+    settle
+    measure "$new_window"
+    xdotool mousemove $((x + width / 2)) $((y + height * (2 * $2 + 1) / (2 * count)))
+    settle
+    xdotool mouseup 1
+    wait_until "the end of the menu of $1" window_is_gone "$new_window"
+}
+
+# Replaces the text of a field, as typed on the keyboard.
+type_into() { # outlet, text
+    local x y width height
+    find_control "$1"
+    xdotool mousemove $((x + width / 2)) $((y + height / 2)) click --repeat 3 --delay 60 1
+    settle
+    xdotool type --delay 30 -- "$2"
+    settle
+}
+
+visible_windows() { xdotool search --onlyvisible --class GNUstep 2>/dev/null | sort; }
+
+# Sets new_window to a window of the host that was not visible when windows_before was taken.
+find_new_window() {
+    new_window=$(comm -13 <(echo "$windows_before") <(visible_windows) | head -n 1)
+    [[ -n $new_window ]]
+}
+
+window_is_gone() { # window
+    ! visible_windows | grep -qx "$1"
+}
+
+# A number that stands for what a control looks like at this moment.
+look_of() { # outlet
+    local x y width height
+    find_control "$1"
+    import -silent -window root -crop "${width}x$height+$x+$y" rgb:- | cksum
+}
+
+# What is stored
+
+# A key's value with its type to be seen: true, 1, 1.0, "1", or absent.
+stored() { # key
+    /usr/bin/python3 "$endtoend_folder/stored.py" "$defaults_file" "$1"
+}
+
+# The same of the override record.
+overridden() { # key
+    /usr/bin/python3 "$endtoend_folder/stored.py" "$record_file" "$1"
+}
+
+stored_keys() { /usr/bin/python3 "$endtoend_folder/stored.py" "$defaults_file"; }
+
+print_stores() { # when
+    echo "$1, the domain $domain:"
+    defaults read "$domain" 2>/dev/null | sed 's/^/    /' || echo "    nothing"
+    echo "$1, the override record:"
+    /usr/bin/python3 "$endtoend_folder/stored.py" --all "$record_file" | sed 's/^/    /'
+}
+
+# Expectations
+
+# Waits until a key of the domain or of the override record holds a value.
+expect() { # stored or overridden, key, value
+    local seen tries
+    for ((tries = 0; tries < 60; ++tries)); do
+        seen=$("$1" "$2")
+        [[ $seen == "$3" ]] && return
+        sleep 0.05
+    done
+    fail "$2 is $seen, not $3"
+}
+
+expect_same() { # what, seen, expected
+    [[ $2 == "$3" ]] || fail "$1: $2, not $3"
+}
+
+# The number of physical cores as the pane's pop-ups offer them, 1 to 32.
+cores() {
+    local count
+    count=$(lscpu --online --parse=Core,Socket | grep -v '^#' | sort -u | wc -l)
+    echo $((count < 1 ? 1 : count > 32 ? 32 : count))
+}

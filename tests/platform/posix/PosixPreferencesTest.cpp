@@ -1,0 +1,519 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <string>
+
+#include "platform/PropertyList.h"
+#include "platform/memory/Journal.h"
+#include "platform/memory/MemorySystem.h"
+#include "platform/posix/PosixPreferences.h"
+#include "tests/platform/posix/SystemCallsWithOwnClock.h"
+#include "tests/platform/posix/TemporaryFolder.h"
+
+namespace vantrel::posix {
+namespace {
+
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+constexpr std::string_view appID = "com.vantrel.codec";
+const std::string fileName = "com.vantrel.codec.plist";
+const std::string damage = "<plist><dict><key>cut off";
+
+std::string listOf(const std::string& entries) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+           "<plist version=\"1.0\">\n<dict>\n" +
+           entries + "</dict>\n</plist>\n";
+}
+
+/// How a value reads: "absent", "true", "5", "unreadable", "\"text\"", "other".
+std::string inWords(const PreferenceValue& value) {
+    if (std::holds_alternative<Absent>(value)) return "absent";
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
+    if (const auto* text = std::get_if<std::string>(&value)) return '"' + *text + '"';
+    if (const auto* number = std::get_if<Number>(&value)) {
+        return number->longValue ? std::to_string(*number->longValue) : "unreadable";
+    }
+    return "other";
+}
+
+/// A defaults folder, preferences of this process on it, and those of another process.
+struct PosixPreferencesTest : testing::Test {
+    std::string read(std::string_view key) { return inWords(preferences.copyAppValue(key, appID)); }
+    std::string readByAnother(std::string_view key) {
+        PosixPreferences others(folder.path, log);
+        return inWords(others.copyAppValue(key, appID));
+    }
+    void write(std::string_view key, const NewPreferenceValue& value) { preferences.setAppValue(key, value, appID); }
+    bool synchronize() { return preferences.synchronize(appID); }
+    void writeFile(const std::string& entries) { folder.write(fileName, listOf(entries)); }
+
+    struct stat fileStatus() {
+        struct stat status {};
+        EXPECT_EQ(stat((folder / fileName).c_str(), &status), 0);
+        return status;
+    }
+
+    /// Lets the file's times become old enough to be relied on.
+    void settle() { calls.pass(3600); }
+
+    TemporaryFolder folder;
+    memory::Journal journal;
+    memory::MemoryLog log{journal};
+    SystemCallsWithOwnClock calls;
+    PosixPreferences preferences{folder.path, log, calls};
+};
+
+// Values
+
+using PosixPreferencesValues = PosixPreferencesTest;
+
+TEST_F(PosixPreferencesValues, WithoutAFileEverythingIsAbsent) {
+    EXPECT_EQ(read("look"), "absent");
+    EXPECT_THAT(folder.names(), IsEmpty());
+}
+
+TEST_F(PosixPreferencesValues, EachTypeIsToldApart) {
+    writeFile(
+        "<key>flag</key><true/><key>number</key><integer>1</integer><key>text</key><string>1</string>"
+        "<key>data</key><data>AA==</data><key>fraction</key><real>1.5</real>");
+    EXPECT_EQ(read("flag"), "true");
+    EXPECT_EQ(read("number"), "1");
+    EXPECT_EQ(read("text"), "\"1\"");
+    EXPECT_EQ(read("data"), "other");
+    EXPECT_EQ(read("fraction"), "unreadable");
+    EXPECT_EQ(read("nothing"), "absent");
+}
+
+TEST_F(PosixPreferencesValues, EachTypeIsWrittenAndReadBackByAnotherProcess) {
+    const auto most = std::numeric_limits<long>::max();
+    write("flag", true);
+    write("number", -7L);
+    write("large", most);
+    write("text", std::string("/a \\U0041 <😀>\r"));
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("flag"), "true");
+    EXPECT_EQ(readByAnother("number"), "-7");
+    EXPECT_EQ(readByAnother("large"), std::to_string(most));
+    EXPECT_EQ(readByAnother("text"), "\"/a \\U0041 <😀>\r\"");
+}
+
+TEST_F(PosixPreferencesValues, AOneUnderAFlagIsReallyReplacedByTrue) {
+    writeFile("\t<key>look</key>\n\t<integer>1</integer>\n");
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(folder.read(fileName), listOf("\t<key>look</key>\n\t<true/>\n"));
+}
+
+TEST_F(PosixPreferencesValues, AKeyTheApplicationLacksIsLookedUpForAllApplications) {
+    writeFile("<key>own</key><integer>1</integer>");
+    folder.write("NSGlobalDomain.plist",
+                 listOf("<key>own</key><integer>2</integer><key>shared</key><string>s</string>"));
+    EXPECT_EQ(read("own"), "1");
+    EXPECT_EQ(read("shared"), "\"s\"");
+}
+
+TEST_F(PosixPreferencesValues, AnotherTypeInTheApplicationsDomainHidesTheOneForAll) {
+    writeFile("<key>look</key><data></data>");
+    folder.write("NSGlobalDomain.plist", listOf("<key>look</key><true/>"));
+    EXPECT_EQ(read("look"), "other");
+}
+
+TEST_F(PosixPreferencesValues, AWriteGoesToTheApplicationsDomain) {
+    folder.write("NSGlobalDomain.plist", listOf("<key>look</key><true/>"));
+    write("look", false);
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(read("look"), "false");
+    EXPECT_EQ(folder.read("NSGlobalDomain.plist"), listOf("<key>look</key><true/>"));
+}
+
+TEST_F(PosixPreferencesValues, ApplicationsDontSeeEachOther) {
+    write("look", true);
+    preferences.setAppValue("look", false, "com.vantrel.other");
+    ASSERT_TRUE(synchronize());
+    EXPECT_THAT(folder.names(), UnorderedElementsAre(".lck", fileName));
+    EXPECT_EQ(inWords(preferences.copyAppValue("look", "com.vantrel.other")), "false");
+    EXPECT_EQ(read("look"), "true");
+}
+
+TEST_F(PosixPreferencesValues, ABinaryFileIsRead) {
+    using namespace std::string_literals;
+    folder.write(fileName, "bplist00\xD1\x01\x02Tlook\x09\x08\x0B\x10"s + "\0\0\0\0\0\0\x01\x01"s +
+                               "\0\0\0\0\0\0\0\x03"s + "\0\0\0\0\0\0\0\0"s + "\0\0\0\0\0\0\0\x11"s);
+    EXPECT_EQ(read("look"), "true");
+    write("gamma", false);
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(folder.read(fileName), listOf("\t<key>gamma</key>\n\t<false/>\n\t<key>look</key>\n\t<true/>\n"));
+}
+
+// Fresh reads
+
+using PosixPreferencesReads = PosixPreferencesTest;
+
+TEST_F(PosixPreferencesReads, WhatAnotherProcessWroteIsSeen) {
+    PosixPreferences others(folder.path, log);
+    for (long round = 0; round < 20; ++round) {
+        others.setAppValue("round", round, appID);
+        ASSERT_TRUE(others.synchronize(appID));
+        EXPECT_EQ(read("round"), std::to_string(round));
+    }
+}
+
+TEST_F(PosixPreferencesReads, AFileRewrittenInPlaceWithinOneTickOfTheClockIsSeen) {
+    for (int round = 0; round < 200; ++round) {
+        const auto digit = std::to_string(round % 10);
+        writeFile("<key>round</key><integer>" + digit + "</integer>");
+        ASSERT_EQ(read("round"), digit) << "round " << round;
+    }
+}
+
+TEST_F(PosixPreferencesReads, AFileWhoseTimesAreWholeSecondsIsNotReliedOnForTwoOfThem) {
+    /// A file system of whole seconds.
+    struct WholeSeconds : SystemCallsWithOwnClock {
+        int stat(const char* path, struct stat* status) override {
+            return cut(SystemCalls::stat(path, status), status);
+        }
+        int fstat(int descriptor, struct stat* status) override {
+            return cut(SystemCalls::fstat(descriptor, status), status);
+        }
+        static int cut(int told, struct stat* status) {
+            status->st_mtim = status->st_ctim = {1'700'000'000, 0};
+            return told;
+        }
+        int clockGettime(clockid_t, struct timespec* time) override {
+            *time = {1'700'000'001, 0};
+            return 0;
+        }
+    } wholeSeconds;
+    PosixPreferences ours(folder.path, log, wholeSeconds);
+    writeFile("<key>look</key><integer>1</integer>");
+    EXPECT_EQ(inWords(ours.copyAppValue("look", appID)), "1");
+    writeFile("<key>look</key><integer>2</integer>");
+    EXPECT_EQ(inWords(ours.copyAppValue("look", appID)), "2");
+}
+
+TEST_F(PosixPreferencesReads, AFileThatDidNotChangeCostsOneLookAtIt) {
+    writeFile("<key>look</key><true/>");
+    settle();
+    ASSERT_EQ(read("look"), "true");
+    const auto callsBefore = calls.made().size();
+    EXPECT_EQ(read("look"), "true");
+    EXPECT_EQ(calls.made().size(), callsBefore + 1);
+    EXPECT_EQ(calls.made().back(), "stat");
+}
+
+TEST_F(PosixPreferencesReads, AfterAWriteOfItsOwnTheFileIsReadAtMostOnceMore) {
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    settle();
+    const auto opened = calls.count("open");
+    for (int round = 0; round < 5; ++round) EXPECT_EQ(read("look"), "true");
+    EXPECT_LE(calls.count("open"), opened + 1);
+}
+
+TEST_F(PosixPreferencesReads, AFileThatVanishesIsAbsentAndOneThatComesIsSeen) {
+    writeFile("<key>look</key><true/>");
+    settle();
+    ASSERT_EQ(read("look"), "true");
+    std::filesystem::remove(folder / fileName);
+    EXPECT_EQ(read("look"), "absent");
+    writeFile("<key>look</key><false/>");
+    EXPECT_EQ(read("look"), "false");
+}
+
+TEST_F(PosixPreferencesReads, AFolderOrAPipeInItsPlaceReadsAsEmptyAndStays) {
+    ASSERT_EQ(mkfifo((folder / fileName).c_str(), 0600), 0);
+    EXPECT_EQ(read("look"), "absent");
+    write("look", true);
+    EXPECT_FALSE(synchronize());
+    EXPECT_TRUE(S_ISFIFO(fileStatus().st_mode));
+
+    std::filesystem::remove(folder / fileName);
+    folder.makeFolder(fileName);
+    EXPECT_FALSE(synchronize());
+    EXPECT_TRUE(S_ISDIR(fileStatus().st_mode));
+    EXPECT_EQ(read("look"), "true");
+    EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
+// Writes
+
+using PosixPreferencesWrites = PosixPreferencesTest;
+
+TEST_F(PosixPreferencesWrites, AWriteIsSeenHereAtOnceAndByOthersFromTheNextSynchroniseOn) {
+    write("look", true);
+    EXPECT_EQ(read("look"), "true");
+    EXPECT_EQ(readByAnother("look"), "absent");
+    EXPECT_THAT(folder.names(), IsEmpty());
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("look"), "true");
+}
+
+TEST_F(PosixPreferencesWrites, OfTwoWritesUnderAKeyTheLaterCounts) {
+    write("look", true);
+    write("look", std::string("b"));
+    EXPECT_EQ(read("look"), "\"b\"");
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("look"), "\"b\"");
+}
+
+TEST_F(PosixPreferencesWrites, AfterTheSynchroniseAnotherProcessHasTheLastWord) {
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    writeFile("<key>look</key><false/>");
+    EXPECT_EQ(read("look"), "false");
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("look"), "false");
+}
+
+TEST_F(PosixPreferencesWrites, OtherKeysStayLetterForLetter) {
+    const std::string others =
+        "\t<key>array</key>\n\t<array>\n\t\t<real>1.50</real>\n\t\t<dict><key>a</key><false/></dict>\n\t</array>\n"
+        "\t<key>data</key>\n\t<data>\n\tAAECAw==\n\t</data>\n"
+        "\t<key>date</key>\n\t<date>1850-06-01T12:34:56Z</date>\n"
+        "\t<key>real</key>\n\t<real>0.1</real>\n"
+        "\t<key>unsigned</key>\n\t<integer>18446744073709551615</integer>\n";
+    writeFile(others);
+    write("x", 1L);
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(folder.read(fileName), listOf(others + "\t<key>x</key>\n\t<integer>1</integer>\n"));
+}
+
+TEST_F(PosixPreferencesWrites, KeysThatAnotherProcessWroteMeanwhileStay) {
+    writeFile("<key>theirs</key><integer>1</integer>");
+    ASSERT_EQ(read("theirs"), "1");
+    write("ours", true);
+    writeFile("<key>theirs</key><integer>2</integer><key>more</key><data>AA==</data>");
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("theirs"), "2");
+    EXPECT_EQ(readByAnother("more"), "other");
+    EXPECT_EQ(readByAnother("ours"), "true");
+}
+
+TEST_F(PosixPreferencesWrites, WhatAnotherProcessWritesWhileTheLockIsWaitedForStays) {
+    write("ours", true);
+    folder.makeFolder(".lck/.GNUstepDefaults.lck");
+    calls.before = [this](const std::string& name) {
+        if (name != "nanosleep") return;
+        writeFile("<key>theirs</key><integer>2</integer>");
+        std::filesystem::remove(folder / ".lck/.GNUstepDefaults.lck");
+        calls.before = nullptr;
+    };
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("theirs"), "2");
+    EXPECT_EQ(readByAnother("ours"), "true");
+}
+
+TEST_F(PosixPreferencesWrites, TheLockIsHeldWhileTheFileIsReadAndReplacedAndFreedBehind) {
+    writeFile("<key>look</key><false/>");
+    write("look", true);
+    std::vector<std::string> order;
+    calls.before = [&](const std::string& name) {
+        if (name == "mkdir" || name == "rmdir" || name == "rename" || name == "mkostemp" || name == "stat") {
+            order.push_back(name);
+        }
+    };
+    ASSERT_TRUE(synchronize());
+    // The folder .lck is missing at first.
+    EXPECT_THAT(order, ElementsAre("stat", "mkdir", "mkdir", "mkdir", "stat", "mkostemp", "rename", "rmdir"));
+    EXPECT_FALSE(std::filesystem::exists(folder / ".lck/.GNUstepDefaults.lck"));
+}
+
+TEST_F(PosixPreferencesWrites, ALockThatWasBrokenMeanwhileLeavesTheFileToWhoBrokeIt) {
+    write("look", true);
+    calls.before = [this](const std::string& name) {
+        if (name != "fsync") return;
+        std::filesystem::rename(folder / ".lck/.GNUstepDefaults.lck", folder / ".lck/broken");
+        folder.makeFolder(".lck/.GNUstepDefaults.lck");
+        writeFile("<key>theirs</key><true/>");
+        calls.before = nullptr;
+    };
+    EXPECT_FALSE(synchronize());
+    EXPECT_EQ(folder.read(fileName), listOf("<key>theirs</key><true/>"));
+    std::filesystem::remove(folder / ".lck/.GNUstepDefaults.lck");
+    EXPECT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("theirs"), "true");
+    EXPECT_EQ(readByAnother("look"), "true");
+}
+
+TEST_F(PosixPreferencesWrites, NothingIsWrittenWhenNothingChanged) {
+    writeFile("<key>look</key><true></true><key>n</key><integer>0x10</integer><key>t</key><string>&#97;</string>");
+    const auto before = fileStatus();
+    write("look", true);
+    write("n", 16L);
+    write("t", std::string("a"));
+    EXPECT_TRUE(synchronize());
+    EXPECT_TRUE(synchronize());
+    const auto after = fileStatus();
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_mtim.tv_nsec, before.st_mtim.tv_nsec);
+    EXPECT_EQ(after.st_ctim.tv_nsec, before.st_ctim.tv_nsec);
+    EXPECT_EQ(calls.count("mkdir"), 0);
+}
+
+TEST_F(PosixPreferencesWrites, TheFileIsItsUsersAlone) {
+    writeFile("");
+    ASSERT_EQ(chmod((folder / fileName).c_str(), 0644), 0);
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(fileStatus().st_mode & 07777, 0600U);
+}
+
+TEST_F(PosixPreferencesWrites, AMissingFolderIsMade) {
+    PosixPreferences deep(folder / "GNUstep/Defaults", log, calls);
+    deep.setAppValue("look", true, appID);
+    EXPECT_TRUE(deep.synchronize(appID));
+    EXPECT_EQ(folder.read("GNUstep/Defaults/" + fileName), listOf("\t<key>look</key>\n\t<true/>\n"));
+}
+
+TEST_F(PosixPreferencesWrites, AFileBehindALinkIsReplacedThroughIt) {
+    folder.makeFolder("dotfiles");
+    folder.write("dotfiles/codec", listOf("<key>theirs</key><true/>"));
+    ASSERT_EQ(symlink("dotfiles/codec", (folder / fileName).c_str()), 0);
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / fileName));
+    EXPECT_FALSE(std::filesystem::is_symlink(folder / "dotfiles/codec"));
+    EXPECT_EQ(readByAnother("theirs"), "true");
+    EXPECT_EQ(readByAnother("look"), "true");
+}
+
+TEST_F(PosixPreferencesWrites, TwoProcessesThatWriteAllTheTimeLoseNothing) {
+    constexpr long rounds = 150;
+    const auto writeRounds = [this](const std::string& prefix) {
+        PosixPreferences own(folder.path, log);
+        bool isFine = true;
+        for (long round = 0; round < rounds; ++round) {
+            own.setAppValue(prefix + std::to_string(round), round, appID);
+            isFine = own.synchronize(appID) && isFine;
+        }
+        return isFine;
+    };
+    const pid_t child = fork();
+    ASSERT_NE(child, -1);
+    if (child == 0) _exit(writeRounds("child") ? 0 : 1);
+    EXPECT_TRUE(writeRounds("parent"));
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+
+    const auto list = PropertyList::parse(folder.read(fileName));
+    ASSERT_TRUE(list);
+    EXPECT_THAT(list->keys(), SizeIs(2 * rounds));
+}
+
+// A file that is no property list
+
+struct PosixPreferencesDamage : PosixPreferencesTest {
+    PosixPreferencesDamage() { folder.write(fileName, damage); }
+
+    /// The names of what was kept aside.
+    std::vector<std::string> kept() const {
+        std::vector<std::string> found;
+        for (const auto& name : folder.names()) {
+            if (name.starts_with(fileName + ".unreadable-")) found.push_back(name);
+        }
+        return found;
+    }
+};
+
+TEST_F(PosixPreferencesDamage, ItReadsAsEmptyAndStaysUntilTheNextWrite) {
+    EXPECT_EQ(read("look"), "absent");
+    EXPECT_TRUE(synchronize());
+    EXPECT_EQ(folder.read(fileName), damage);
+    EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
+TEST_F(PosixPreferencesDamage, TheNextWriteKeepsItBesideItselfAndSaysSoOnce) {
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(folder.read(fileName), listOf("\t<key>look</key>\n\t<true/>\n"));
+    ASSERT_THAT(kept(), SizeIs(1));
+    EXPECT_EQ(folder.read(kept()[0]), damage);
+    EXPECT_THAT(journal.lines(), ElementsAre(AllOf(HasSubstr(folder / fileName), HasSubstr(kept()[0]))));
+
+    write("look", false);
+    ASSERT_TRUE(synchronize());
+    EXPECT_THAT(kept(), SizeIs(1));
+    EXPECT_THAT(journal.lines(), SizeIs(1));
+}
+
+TEST_F(PosixPreferencesDamage, TheNameTellsTheTime) {
+    /// A clock that stands still.
+    struct Stopped : SystemCalls {
+        int clockGettime(clockid_t, struct timespec* time) override {
+            *time = {1'709'251'199, 0};
+            return 0;
+        }
+    } stopped;
+    PosixPreferences ours(folder.path, log, stopped);
+    ours.setAppValue("look", true, appID);
+    ASSERT_TRUE(ours.synchronize(appID));
+    EXPECT_THAT(kept(), ElementsAre(fileName + ".unreadable-20240229T235959Z"));
+
+    folder.write(fileName, "damaged again");
+    ours.setAppValue("look", true, appID);
+    ASSERT_TRUE(ours.synchronize(appID));
+    EXPECT_THAT(kept(),
+                ElementsAre(fileName + ".unreadable-20240229T235959Z", fileName + ".unreadable-20240229T235959Z-2"));
+    EXPECT_EQ(folder.read(kept()[0]), damage);
+    EXPECT_EQ(folder.read(kept()[1]), "damaged again");
+}
+
+TEST_F(PosixPreferencesDamage, AnArrayAtTheTopIsKeptAsideToo) {
+    folder.write(fileName, "<plist><array/></plist>");
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    EXPECT_THAT(kept(), SizeIs(1));
+}
+
+TEST_F(PosixPreferencesDamage, AFileThatNestsTooDeeplyIsKeptAsideToo) {
+    std::string nested = "<plist><dict><key>a</key>";
+    for (int level = 0; level < 200'000; ++level) nested += "<array>";
+    folder.write(fileName, nested);
+    EXPECT_EQ(read("a"), "absent");
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    EXPECT_THAT(kept(), SizeIs(1));
+}
+
+TEST_F(PosixPreferencesDamage, BehindALinkItIsKeptBesideTheFileAndNotTheLink) {
+    folder.makeFolder("dotfiles");
+    folder.write("dotfiles/codec", damage);
+    std::filesystem::remove(folder / fileName);
+    ASSERT_EQ(symlink("dotfiles/codec", (folder / fileName).c_str()), 0);
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    EXPECT_THAT(kept(), IsEmpty());
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / fileName));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "dotfiles"), {}), 2);
+}
+
+TEST_F(PosixPreferencesDamage, WhenItCantBeKeptAsideItIsNotReplaced) {
+    calls.failEvery("renameNoReplace", EACCES);
+    write("look", true);
+    EXPECT_FALSE(synchronize());
+    EXPECT_EQ(folder.read(fileName), damage);
+    EXPECT_EQ(read("look"), "true");
+    EXPECT_THAT(journal.lines(), IsEmpty());
+    calls.failEvery("renameNoReplace", 0);
+    EXPECT_TRUE(synchronize());
+    EXPECT_THAT(kept(), SizeIs(1));
+}
+
+}  // namespace
+}  // namespace vantrel::posix

@@ -1,0 +1,153 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "platform/posix/ReplaceFile.h"
+#include "tests/platform/posix/FaultySystemCalls.h"
+#include "tests/platform/posix/TemporaryFolder.h"
+
+namespace vantrel::posix {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+/// A folder that holds the file "own" and nothing else.
+struct ReplaceFileTest : testing::Test {
+    ReplaceFileTest() { folder.write("own", "old"); }
+
+    int replace(const std::string& name) { return replaceFile(calls, folder / name, "new content"); }
+
+    void makeLink(const std::string& leadsTo, const std::string& name) {
+        ASSERT_EQ(symlink(leadsTo.c_str(), (folder / name).c_str()), 0);
+    }
+
+    bool isLink(const std::string& name) {
+        struct stat status {};
+        return lstat((folder / name).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    }
+
+    TemporaryFolder folder;
+    FaultySystemCalls calls;
+};
+
+TEST_F(ReplaceFileTest, TheFileHoldsTheNewContentAndNothingElseStays) {
+    EXPECT_EQ(replace("own"), 0);
+    EXPECT_EQ(folder.read("own"), "new content");
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+}
+
+TEST_F(ReplaceFileTest, AFileThatIsMissingIsMade) {
+    EXPECT_EQ(replace("fresh"), 0);
+    EXPECT_EQ(folder.read("fresh"), "new content");
+}
+
+TEST_F(ReplaceFileTest, OnlyItsUserMayReadIt) {
+    ASSERT_EQ(chmod((folder / "own").c_str(), 0644), 0);
+    ASSERT_EQ(replace("own"), 0);
+    struct stat status {};
+    ASSERT_EQ(stat((folder / "own").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
+}
+
+TEST_F(ReplaceFileTest, TheContentIsOnTheDiskBeforeTheNameAndTheNameBeforeTheEnd) {
+    ASSERT_EQ(replace("own"), 0);
+    std::vector<std::string> order;
+    for (const auto& name : calls.made()) {
+        if (name == "write" || name == "fsync" || name == "rename") order.push_back(name);
+    }
+    EXPECT_THAT(order, ElementsAre("write", "fsync", "rename", "fsync"));
+}
+
+TEST_F(ReplaceFileTest, ManyShortWritesMakeOneWholeFile) {
+    calls.mostBytesAtOnce = 1;
+    calls.failNth("write", 3, EINTR);
+    EXPECT_EQ(replace("own"), 0);
+    EXPECT_EQ(folder.read("own"), "new content");
+}
+
+TEST_F(ReplaceFileTest, ALinkStaysAndItsFileIsReplaced) {
+    folder.makeFolder("elsewhere");
+    folder.write("elsewhere/file", "old");
+    makeLink(folder / "elsewhere/file", "link");
+    EXPECT_EQ(replace("link"), 0);
+    EXPECT_TRUE(isLink("link"));
+    EXPECT_EQ(folder.read("elsewhere/file"), "new content");
+}
+
+TEST_F(ReplaceFileTest, AChainOfRelativeLinksIsFollowed) {
+    folder.makeFolder("a/b");
+    makeLink("a/second", "first");
+    makeLink("b/third", "a/second");
+    makeLink("../../own", "a/b/third");
+    EXPECT_EQ(replace("first"), 0);
+    EXPECT_EQ(folder.read("own"), "new content");
+    EXPECT_TRUE(isLink("first") && isLink("a/second") && isLink("a/b/third"));
+}
+
+TEST_F(ReplaceFileTest, ALinkToNothingMakesTheFileItLeadsTo) {
+    folder.makeFolder("elsewhere");
+    makeLink("elsewhere/file", "link");
+    EXPECT_EQ(replace("link"), 0);
+    EXPECT_EQ(folder.read("elsewhere/file"), "new content");
+    EXPECT_TRUE(isLink("link"));
+}
+
+TEST_F(ReplaceFileTest, ALinkIntoAFolderThatIsMissingFails) {
+    makeLink("nowhere/file", "link");
+    EXPECT_EQ(replace("link"), -1);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_TRUE(isLink("link"));
+}
+
+TEST_F(ReplaceFileTest, LinksInACircleFail) {
+    makeLink("two", "one");
+    makeLink("one", "two");
+    EXPECT_EQ(replace("one"), -1);
+    EXPECT_EQ(errno, ELOOP);
+}
+
+TEST_F(ReplaceFileTest, AFolderIsNotReplaced) {
+    folder.makeFolder("in the way");
+    EXPECT_EQ(replace("in the way"), -1);
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "in the way"));
+}
+
+TEST_F(ReplaceFileTest, AFolderWithNothingToWriteThroughIsNoFailure) {
+    calls.failNth("fsync", 2, EINVAL);
+    EXPECT_EQ(replace("own"), 0);
+}
+
+TEST_F(ReplaceFileTest, WhateverFailsTheFileIsWholeAndNothingElseStays) {
+    FaultySystemCalls counted;
+    ASSERT_EQ(replaceFile(counted, folder / "own", "old"), 0);
+    std::map<std::string, int> seen;
+    for (const auto& name : counted.made()) {
+        const int nth = ++seen[name];
+        FaultySystemCalls failing;
+        failing.failNth(name, nth, EIO);
+        const int replaced = replaceFile(failing, folder / "own", "new content");
+
+        const auto content = folder.read("own");
+        const bool isPlaced = name == "close" || (name == "fsync" && nth == 2);
+        EXPECT_EQ(replaced, name == "close" ? 0 : -1) << name << ' ' << nth;
+        EXPECT_EQ(content, isPlaced ? "new content" : "old") << name << ' ' << nth;
+        EXPECT_THAT(folder.names(), UnorderedElementsAre("own")) << name << ' ' << nth;
+        folder.write("own", "old");
+    }
+}
+
+TEST_F(ReplaceFileTest, AFullDiskHalfWayLeavesTheOldFile) {
+    calls.mostBytesAtOnce = 4;
+    calls.failNth("write", 2, ENOSPC);
+    EXPECT_EQ(replace("own"), -1);
+    EXPECT_EQ(errno, ENOSPC);
+    EXPECT_EQ(folder.read("own"), "old");
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
+}
+
+}  // namespace
+}  // namespace vantrel::posix

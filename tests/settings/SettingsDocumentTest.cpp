@@ -1,0 +1,102 @@
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "overrides/MetadataDictionary.h"
+#include "settings/KeyTable.h"
+
+namespace vantrel {
+namespace {
+
+struct Row {
+    std::string title;
+    std::string type;
+    std::string setUpDefault;
+};
+
+/// The rows of the document's tables of settings, by key.
+std::map<std::string, Row> documentedSettings() {
+    std::ifstream document(SETTINGS_DOCUMENT);
+    std::map<std::string, Row> rows;
+    for (std::string line; std::getline(document, line);) {
+        std::istringstream cells(line);
+        std::vector<std::string> cell;
+        for (std::string text; std::getline(cells, text, '|');) cell.push_back(text);
+        if (cell.size() != 6 || !cell[2].starts_with(" `")) continue;
+        const auto trimmed = [](const std::string& text) { return text.substr(1, text.size() - 2); };
+        const auto plain = [&](const std::string& text) {
+            std::string name = trimmed(text);
+            std::erase(name, '`');
+            return name;
+        };
+        rows[plain(cell[2])] = {trimmed(cell[1]), trimmed(cell[3]), plain(cell[4])};
+    }
+    return rows;
+}
+
+std::string inWords(Encoding encoding) {
+    switch (encoding) {
+        case Encoding::flag:
+            return "flag";
+        case Encoding::integer:
+            return "integer";
+        case Encoding::text:
+            return "text";
+    }
+    return "";
+}
+
+std::string inWords(const SetUpDefault& value) {
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
+    if (const auto* number = std::get_if<long>(&value)) return std::to_string(*number);
+    if (const auto* text = std::get_if<LocalizedText>(&value)) return std::string(text->key);
+    return "none";
+}
+
+TEST(SettingsDocument, TellsTypeAndDefaultOfEveryKey) {
+    const auto rows = documentedSettings();
+    for (const auto& key : keyTable) {
+        const auto row = rows.find(std::string(key.name));
+        ASSERT_NE(row, rows.end()) << key.name;
+        EXPECT_EQ(row->second.type, inWords(key.encoding)) << key.name;
+        EXPECT_EQ(row->second.setUpDefault, inWords(key.setUpDefault)) << key.name;
+    }
+    EXPECT_TRUE(rows.contains(std::string(overrideKeys::chromaFilter)));
+    EXPECT_TRUE(rows.contains(std::string(overrideKeys::decodeThreads)));
+}
+
+TEST(SettingsDocument, TellsOfNoKeyThatThereIsnt) {
+    EXPECT_EQ(documentedSettings().size(), keyTable.size() + 2);
+}
+
+/// The English string table, the titles that the pane shows.
+std::string englishTitle(const std::string& name) {
+    std::ifstream table(ENGLISH_STRINGS);
+    const std::string start = "\"" + name + ".title\" = \"";
+    for (std::string line; std::getline(table, line);) {
+        if (!line.starts_with(start)) continue;
+        std::string title = line.substr(start.size(), line.rfind('"') - start.size());
+        if (title.ends_with(':')) title.pop_back();
+        return title;
+    }
+    return "";
+}
+
+TEST(SettingsDocument, CallsEveryControlAsThePaneDoes) {
+    const auto rows = documentedSettings();
+    for (const auto& key : keyTable) {
+        if (key.outlet.empty()) continue;
+        std::string title = englishTitle(std::string(key.outlet));
+        if (title.empty()) title = englishTitle(std::string(key.outlet) + "Label");
+        if (key.outlet == "_LUTsPath") title = englishTitle("LUTsLabel");
+        if (key.outlet == "_overridePath") title = englishTitle("overrideLabel");
+        EXPECT_EQ(rows.at(std::string(key.name)).title, title) << key.name;
+    }
+    EXPECT_EQ(rows.at("CLSF").title, englishTitle("filter422To444"));
+    EXPECT_EQ(rows.at("CPUM").title, englishTitle("decodeThreadsLabel"));
+}
+
+}  // namespace
+}  // namespace vantrel
