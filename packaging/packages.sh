@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What building, running and testing needs of Debian, as a library for bash.
 
 packages_file=$(dirname "$(realpath "${BASH_SOURCE[0]}")")/debian-packages.txt

@@ -90,6 +90,7 @@ CachedPropertyList::State CachedPropertyList::read() {
 }
 
 void CachedPropertyList::keep(State state, PropertyList list, std::string bytes) {
+    if (state != state_ || bytes != bytes_) ++revision_;
     state_ = state;
     list_ = std::move(list);
     bytes_ = std::move(bytes);

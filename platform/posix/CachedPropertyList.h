@@ -28,6 +28,9 @@ public:
     /// What the last look found; empty unless it was `readable`.
     const PropertyList& list() const { return list_; }
 
+    /// Grows with every look that finds something else than the one before.
+    unsigned long revision() const { return revision_; }
+
     /// Takes over what this process has just put into the file: its content, `bytes`, and what the system says of it.
     void wasReplaced(PropertyList list, std::string bytes, const struct stat& status);
 
@@ -41,6 +44,7 @@ private:
     PropertyList list_;
     /// What `list_` was made from.
     std::string bytes_;
+    unsigned long revision_ = 0;
     struct stat status_ {};
     /// Whether any later change must show in `status_`.
     bool isSettled_ = false;

@@ -71,11 +71,6 @@ bool DefaultsLock::take() {
     return held_.has_value();
 }
 
-bool DefaultsLock::isHeld() {
-    const auto now = standing();
-    return held_ && now && isSame(*held_, *now);
-}
-
 void DefaultsLock::release() {
     if (!held_) return;
     const auto now = standing();

@@ -22,9 +22,7 @@ public:
     /// it can't be made or broken, or goes from hand to hand for 30 seconds without ever being free.
     bool take();
 
-    /// Whether the lock is still this one's: a process that was held up for long may have had it broken.
-    bool isHeld();
-
+    /// Frees the lock, unless this process was held up for so long that another has broken it meanwhile.
     void release();
 
 private:

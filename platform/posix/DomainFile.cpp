@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <ctime>
+#include <optional>
 #include <utility>
 
 #include "platform/posix/DefaultsLock.h"
@@ -50,34 +51,47 @@ void DomainFile::setValue(std::string_view key, const NewPreferenceValue& value)
 
 bool DomainFile::synchronize() {
     // Looked at once without the lock: often there is nothing to do.
-    file_.refresh();
+    auto state = file_.refresh();
     if (isDone()) {
         pending_ = {};
         return true;
     }
+    if (state == CachedPropertyList::State::unreadable) return false;
 
+    PropertyList list;
+    std::string bytes;
+    std::optional<FileReplacement> replacement;
+    const auto prepare = [&] {
+        list = file_.list();
+        for (const auto& key : pending_.keys()) list.copyEntry(key, pending_);
+        bytes = list.toXML();
+        replacement.emplace(calls_, path_);
+        return replacement->prepare(bytes) == 0;
+    };
+
+    // What takes long, the way to the disk, comes before the lock: it is seldom that another writes meanwhile, and
+    // nobody waits for our disk. A missing folder is made with the lock.
+    const bool isPrepared = prepare();
+    if (!isPrepared && errno != ENOENT) return false;
+    const auto preparedFor = file_.revision();
     DefaultsLock lock(calls_, folder_);
     if (!lock.take()) return false;
-    const auto state = file_.refresh();
+    state = file_.refresh();
     if (state == CachedPropertyList::State::unreadable) return false;
     if (isDone()) {
         pending_ = {};
         return true;
     }
+    if ((!isPrepared || file_.revision() != preparedFor) && !prepare()) return false;
 
-    auto list = file_.list();
-    for (const auto& key : pending_.keys()) list.copyEntry(key, pending_);
-    auto bytes = list.toXML();
-    FileReplacement replacement(calls_, path_);
-    if (replacement.prepare(bytes) != 0 || !lock.isHeld()) return false;
-    if (state == CachedPropertyList::State::damaged && !keepAside(replacement.target())) return false;
+    if (state == CachedPropertyList::State::damaged && !keepAside(replacement->target())) return false;
     struct stat status {};
-    if (replacement.place(&status) != 0) return false;
+    if (replacement->place(&status) != 0) return false;
     lock.release();
 
     file_.wasReplaced(std::move(list), std::move(bytes), status);
     pending_ = {};
-    mustReplaceAgain_ = replacement.settle() != 0;
+    mustReplaceAgain_ = replacement->settle() != 0;
     return !mustReplaceAgain_;
 }
 

@@ -286,6 +286,22 @@ TEST_F(Bundle, BothDemosaicMenusOfferTheSameSixteenOrFewerMethods) {
     EXPECT_LE([titles count], 16U);
 }
 
+TEST_F(Bundle, IndicesOutsideTheRealMenusSelectNothingAndStopNothing) {
+    NSMutableDictionary *domain = completeDomain();
+    [domain setObject:[NSNumber numberWithInt:99] forKey:@"RenderDebayer"];
+    [domain setObject:[NSNumber numberWithInt:-5] forKey:@"8bitDebayer"];
+    [domain setObject:[NSNumber numberWithInt:-3] forKey:@"MaxEncodeThreads"];
+    [domain setObject:[NSNumber numberWithBool:NO] forKey:@"PProCS5HasMovieSetup"];
+    writeDomainFile(domain);
+    const auto before = domainFile();
+    const Pane pane;
+    for (const char *outlet : {"renderDemosaic", "presentationDemosaic", "encodeThreads"}) {
+        EXPECT_EQ([pane.variable(outlet) indexOfSelectedItem], -1) << outlet;
+    }
+    EXPECT_EQ([pane.variable("cs5SourceSettings") state], NSOffState);
+    EXPECT_EQ(domainFile(), before);
+}
+
 TEST_F(Bundle, TheThreadMenusAreFilledFromTheNumberOfCores) {
     const Pane pane;
     const NSInteger cores = [pane.variable("encodeThreads") numberOfItems];

@@ -1,5 +1,6 @@
 #!/bin/bash
-# A domain in which every key is valid is neither written nor replaced while the pane opens.
+# A domain in which every key is valid is neither written nor replaced, while the pane opens or when the host is
+# closed, which ends as it should.
 source "$(dirname "$0")/session.sh"
 
 start_session
@@ -28,4 +29,9 @@ open_pane
 keep_picture pane-with-stored-settings
 echo "Before: $before"
 echo "After:  $(state_of_file)"
-expect_same "the file's state" "$(state_of_file)" "$before"
+expect_same "the file's state with the pane open" "$(state_of_file)" "$before"
+
+xdotool key alt+F4
+wait_until "the end of the host" process_is_gone "$host_process"
+wait "$host_process" || fail "the host ended with status $?"
+expect_same "the file's state after the host has ended" "$(state_of_file)" "$before"

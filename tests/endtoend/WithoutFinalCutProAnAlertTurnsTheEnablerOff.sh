@@ -8,14 +8,13 @@ source "$(dirname "$0")/session.sh"
 # Clicks the enabler, looks at the alert and dismisses it with its only button, in the bottom right corner.
 click_and_dismiss() { # picture
     local x y width height
-    windows_before=$(visible_windows)
     click_control fcpRTEnable
-    wait_until "the alert" find_new_window
+    wait_until "the alert" find_alert
     settle
     keep_picture "$1"
-    measure "$new_window"
+    measure "$alert"
     click $((x + width - 45)) $((y + height - 22))
-    wait_until "the end of the alert" window_is_gone "$new_window"
+    wait_until "the end of the alert" window_is_gone "$alert"
     settle
 }
 

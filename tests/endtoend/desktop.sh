@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # A desktop of our own, with the settings host on it, as a library for bash.
 #
 #   start_desktop   a virtual display with a window manager, told to all that is started afterwards
@@ -28,15 +29,14 @@ fail() {
     exit 1
 }
 
-# Runs a command every twentieth of a second until it succeeds; after half a minute `what` is told and the script ends.
+# Runs a command again and again until it succeeds; after twenty seconds `what` is told and the script ends.
 wait_until() { # what, command and its arguments
-    local what=$1 tries
+    local what=$1 end=$((SECONDS + 20))
     shift
-    for ((tries = 0; tries < 600; ++tries)); do
-        "$@" && return
+    until "$@"; do
+        ((SECONDS < end)) || fail "waited in vain for $what"
         sleep 0.05
     done
-    fail "waited in vain for $what"
 }
 
 start_desktop() {
@@ -49,7 +49,8 @@ start_desktop() {
     mkdir -m 700 "$scratch/sockets"
     export TEMP=$scratch/sockets XDG_CONFIG_HOME=$scratch XDG_CACHE_HOME=$scratch
 
-    Xvfb -displayfd 3 -screen 0 1024x1000x24 -nolisten tcp 3>"$scratch/display" 2>"$scratch/Xvfb.log" &
+    # -noreset: a display starts afresh when its last program leaves it, and loses who arrives at that moment.
+    Xvfb -displayfd 3 -screen 0 1024x1000x24 -nolisten tcp -noreset 3>"$scratch/display" 2>"$scratch/Xvfb.log" &
     wait_until "a display" test -s "$scratch/display"
     DISPLAY=:$(<"$scratch/display")
     export DISPLAY
@@ -67,6 +68,8 @@ desktop_processes() {
 
 no_desktop_processes() { [[ -z $(desktop_processes) ]]; }
 
+process_is_gone() { ! kill -0 "$1" 2>/dev/null; }
+
 end_desktop() {
     local status=$? pid signal tries
     trap - EXIT INT TERM HUP
@@ -74,7 +77,7 @@ end_desktop() {
     if [[ -n ${host_process:-} ]]; then
         kill "$host_process" 2>/dev/null || true
         for ((tries = 0; tries < 40; ++tries)); do
-            kill -0 "$host_process" 2>/dev/null || break
+            process_is_gone "$host_process" && break
             sleep 0.05
         done
     fi
@@ -115,14 +118,15 @@ measure() { # window
 
 # Waits until two pictures taken one after the other are the same: everything is drawn.
 settle() {
-    local last="" next tries
-    for ((tries = 0; tries < 100; ++tries)); do
+    local last="" next end=$((SECONDS + 20))
+    until
         next=$(import -silent -window root rgb:- | cksum)
-        [[ $next == "$last" ]] && return
+        [[ $next == "$last" ]]
+    do
+        ((SECONDS < end)) || fail "the display does not come to rest"
         last=$next
         sleep 0.1
     done
-    fail "the display does not come to rest"
 }
 
 # The labels of all panes that the host lists, in its order.
@@ -130,7 +134,9 @@ pane_labels() {
     local library bundle
     for library in "$(gnustep_folder USER)" "$(gnustep_folder LOCAL)" "$(gnustep_folder SYSTEM)"; do
         for bundle in "$library"/Bundles/*.prefPane; do
-            [[ -d $bundle ]] && echo "$(plget NSPrefPaneIconLabel <"$bundle/Resources/Info-gnustep.plist")"
+            [[ -d $bundle ]] || continue
+            plget NSPrefPaneIconLabel <"$bundle/Resources/Info-gnustep.plist"
+            echo
         done
     done | LC_ALL=C sort -u
 }
@@ -149,12 +155,12 @@ click() { # x, y on the display
 open_pane() {
     local position
     read_controls
-    position=$(pane_labels | grep -nx "$pane_label" | cut -d: -f1)
+    position=$(pane_labels | { grep -nx "$pane_label" || true; } | cut -d: -f1)
     [[ -n $position ]] || fail "the settings host has no pane called $pane_label"
     position=$((position - 1))
     measure "$host_window"
     click $((x + box_left + position % icons_in_a_row * icon_width + icon_width / 2)) \
-        $((y + box_top + 8 + position / icons_in_a_row * icon_height + icon_middle - 8))
+        $((y + box_top + position / icons_in_a_row * icon_height + icon_middle))
     wait_until "the pane" host_is_high $((host_height - icons_height + frames_height[view]))
     settle
 }

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What an end-to-end test needs beyond a desktop of its own: GNUstep folders of its own, controls by their outlets'
 # names, what is stored, and expectations that say what they saw.
 #
@@ -8,6 +9,9 @@ source "$(dirname "${BASH_SOURCE[0]}")/desktop.sh"
 
 # A desktop whose user has our pane and nothing else: no settings, no overrides.
 start_session() {
+    # Alerts and the host are known by their English titles, whatever the language of who runs the test.
+    unset LANGUAGE LANGUAGES LC_MESSAGES
+    export LC_ALL=C.UTF-8
     start_desktop
     local home=$scratch/home
     record_file=$home/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist
@@ -58,14 +62,26 @@ choose_item() { # outlet, index, number of items if the interface file doesn't t
     local x y width height count=${3:-${items[$1]}}
     find_control "$1"
     windows_before=$(visible_windows)
-    xdotool mousemove $((x + width / 2)) $((y + height / 2)) mousedown 1
-    wait_until "the menu of $1" find_new_window
+    pointer_x=$((x + width / 2)) pointer_y=$((y + height / 2))
+    xdotool mousemove "$pointer_x" "$pointer_y" mousedown 1
+    wait_until "the menu of $1" find_menu
     settle
-    measure "$new_window"
+    measure "$menu"
     xdotool mousemove $((x + width / 2)) $((y + height * (2 * $2 + 1) / (2 * count)))
     settle
     xdotool mouseup 1
-    wait_until "the end of the menu of $1" window_is_gone "$new_window"
+    wait_until "the end of the menu of $1" window_is_gone "$menu"
+}
+
+# Sets menu to the window that was not there when windows_before was taken and now lies under the pointer. A tool tip
+# lies beside it.
+find_menu() {
+    local x y width height
+    for menu in $(comm -13 <(echo "$windows_before") <(visible_windows)); do
+        measure "$menu"
+        ((x <= pointer_x && pointer_x < x + width && y <= pointer_y && pointer_y < y + height)) && return
+    done
+    return 1
 }
 
 # Replaces the text of a field, as typed on the keyboard.
@@ -80,11 +96,8 @@ type_into() { # outlet, text
 
 visible_windows() { xdotool search --onlyvisible --class GNUstep 2>/dev/null | sort; }
 
-# Sets new_window to a window of the host that was not visible when windows_before was taken.
-find_new_window() {
-    new_window=$(comm -13 <(echo "$windows_before") <(visible_windows) | head -n 1)
-    [[ -n $new_window ]]
-}
+# Sets alert to the window of the alert that is shown.
+find_alert() { alert=$(xdotool search --onlyvisible --name '^Alert$' 2>/dev/null) && [[ -n $alert ]]; }
 
 window_is_gone() { # window
     ! visible_windows | grep -qx "$1"
@@ -122,13 +135,14 @@ print_stores() { # when
 
 # Waits until a key of the domain or of the override record holds a value.
 expect() { # stored or overridden, key, value
-    local seen tries
-    for ((tries = 0; tries < 60; ++tries)); do
+    local seen end=$((SECONDS + 5))
+    until
         seen=$("$1" "$2")
-        [[ $seen == "$3" ]] && return
+        [[ $seen == "$3" ]]
+    do
+        ((SECONDS < end)) || fail "$2 is $seen, not $3"
         sleep 0.05
     done
-    fail "$2 is $seen, not $3"
 }
 
 expect_same() { # what, seen, expected

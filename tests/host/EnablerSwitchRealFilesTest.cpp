@@ -382,11 +382,12 @@ void expectNothingLost() {
     for (const auto& name : strangers()) EXPECT_THAT(name, testing::StartsWith(".Vantrel-"));
 }
 
-/// Kills a click before and after each of its system calls, and returns at how many it could.
-std::size_t killEverywhere(State from, bool on, const std::function<void(Switch&)>& prepare) {
+/// Kills a click before and after each of its system calls from number `first` on, counted from 1, and returns how
+/// often it could.
+std::size_t killEverywhere(State from, bool on, const std::function<void(Switch&)>& prepare, std::size_t first = 1) {
     std::size_t killed = 0;
     for (const auto moment : {Moment::before, Moment::after}) {
-        for (std::size_t number = 1;; ++number) {
+        for (std::size_t number = first;; ++number) {
             SCOPED_TRACE(std::string(moment == Moment::before ? "before" : "after") + " call number " +
                          std::to_string(number - 1));
             makeFolderBe(from);
@@ -418,8 +419,9 @@ TEST(EnablerSwitchKilled, WhileItMendsAFailedCopyStillHasFinalCutProsOwnFileWhol
     const auto& calls = clicks[0].calls;
     for (std::size_t failing = beginning.size() + 1; failing < calls.size(); ++failing) {
         SCOPED_TRACE("with call number " + std::to_string(failing) + " failing, " + calls[failing]);
-        EXPECT_GT(killEverywhere(State::inactive, true, [&](Switch& it) { failCall(it, calls, failing); }),
-                  2 * failing);
+        // The failing call's own number, counted from 1, and on; what comes before is as without the failure.
+        const auto prepare = [&](Switch& it) { failCall(it, calls, failing); };
+        EXPECT_GT(killEverywhere(State::inactive, true, prepare, failing + 1), 0U);
     }
 }
 

@@ -148,6 +148,14 @@ TEST_F(PosixFilesDictionary, MayBeEmpty) {
     EXPECT_THAT(files.dictionaryWithContentsOfFile(folder / "list"), Optional(IsEmpty()));
 }
 
+TEST_F(PosixFilesDictionary, IsNotSoughtBeyondSixteenMebibytes) {
+    folder.write("list", "");
+    std::filesystem::resize_file(folder / "list", 64 * 1024 * 1024);
+    calls.mostBytesAtOnce = 4096;
+    EXPECT_EQ(files.dictionaryWithContentsOfFile(folder / "list"), std::nullopt);
+    EXPECT_EQ(calls.count("read"), 16 * 1024 * 1024 / 4096 + 1);
+}
+
 class PosixFilesNoDictionary : public PosixFilesTest, public testing::WithParamInterface<std::string> {};
 
 TEST_P(PosixFilesNoDictionary, GivesNothing) {

@@ -132,8 +132,8 @@ TEST_P(MalformedList, TellsNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(SysfsProcessors, MalformedList,
-                         testing::Values("", "\n", "all\n", "0-\n", "-1\n", "3-0\n", "0,\n", ",0\n", "0 1\n", "0-1-2\n",
-                                         "0-3\n\n", "0x3\n", "99999999999999999999\n", "0-2147483647\n"));
+                         testing::Values("", "\n", "all\n", "0-\n", "-1\n", "3-0\n", "0,3-1\n", "0,\n", ",0\n", "0 1\n",
+                                         "0-1-2\n", "0-3\n\n", "0x3\n", "99999999999999999999\n", "0-2147483647\n"));
 
 class MalformedIdentifier : public ProcessorTree, public testing::WithParamInterface<const char*> {};
 
