@@ -1,9 +1,17 @@
+#include "platform/posix/BinaryPropertyList.h"
+
+#include <locale.h>
+#include <plist/plist.h>
+
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
-#include "platform/posix/PropertyListInspection.h"
+#include "platform/PropertyList.h"
+#include "platform/posix/PropertyListText.h"
+#include "platform/posix/XMLPropertyList.h"
 
 namespace vantrel::posix {
 namespace {
@@ -11,6 +19,12 @@ namespace {
 constexpr std::string_view magic = "bplist00";
 constexpr std::size_t trailerSize = 32;
 
+/// What an object costs to write beside its content, in bytes: its tags and the white space before them.
+constexpr std::size_t objectCost = 64;
+constexpr std::size_t mostObjects = largestPropertyList / objectCost;
+
+/// Looks a binary list over before libplist may see it. libplist descends by recursion, writes an object out as often
+/// as it is referred to, and cuts texts and numbers short that it can't hold: all that must be known before.
 class Inspector {
 public:
     explicit Inspector(std::string_view bytes) : bytes_(bytes) {}
@@ -151,14 +165,56 @@ private:
     std::vector<Object> objects_;
 };
 
+/// libplist writes real numbers with the decimal sign of the thread's locale.
+class PlainNumbers {
+public:
+    PlainNumbers() : plain_(newlocale(LC_ALL_MASK, "C", nullptr)), before_(uselocale(plain_)) {}
+    ~PlainNumbers() {
+        uselocale(before_);
+        freelocale(plain_);
+    }
+    PlainNumbers(const PlainNumbers&) = delete;
+    PlainNumbers& operator=(const PlainNumbers&) = delete;
+
+private:
+    locale_t plain_;
+    locale_t before_;
+};
+
+/// What libplist wrote, as XML: with references for carriage returns, and the zeros in front of a short year.
+std::string corrected(std::string xml) {
+    const auto insertBehind = [&](std::string_view found, auto insert) {
+        for (auto at = xml.find(found); at != std::string::npos; at = xml.find(found, at + 1))
+            insert(at + found.size());
+    };
+    insertBehind("\r", [&](std::size_t end) { xml.replace(end - 1, 1, "&#13;"); });
+    insertBehind("<date>", [&](std::size_t year) {
+        constexpr std::size_t yearLength = 4;
+        const auto length = xml.find('-', year) - year;
+        if (length < yearLength) xml.insert(year, yearLength - length, '0');
+    });
+    return xml;
+}
+
 }  // namespace
 
 bool isBinaryPropertyList(std::string_view bytes) {
     return bytes.starts_with("bplist");
 }
 
-bool isSoundBinaryPropertyList(std::string_view bytes) {
-    return Inspector(bytes).isSound();
+std::optional<std::string> xmlFromBinaryPropertyList(std::string_view bytes) {
+    if (bytes.size() > largestPropertyList || !Inspector(bytes).isSound()) return std::nullopt;
+
+    const PlainNumbers plainNumbers;
+    plist_t root = nullptr;  // libplist reads it before it sets it
+    plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &root);
+    const std::unique_ptr<void, decltype(&plist_free)> list(root, plist_free);
+    char* written = nullptr;
+    std::uint32_t length = 0;
+    if (root) plist_to_xml(root, &written, &length);
+    if (!written) return std::nullopt;
+    const std::unique_ptr<char, decltype(&plist_to_xml_free)> xml(written, plist_to_xml_free);
+    return corrected(withEscapes({written, length}));
 }
 
 }  // namespace vantrel::posix

@@ -1,143 +1,58 @@
 #include "platform/PropertyList.h"
 
-#include <locale.h>
-#include <plist/plist.h>
-
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <utility>
 
-#include "platform/posix/PropertyListInspection.h"
+#include "platform/posix/BinaryPropertyList.h"
 #include "platform/posix/PropertyListText.h"
+#include "platform/posix/XMLPropertyList.h"
 
 namespace vantrel {
 namespace {
 
-using posix::withEscapes;
-using posix::withEscapesRead;
+using posix::trimmed;
+using Entry = posix::PropertyListEntry;
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-/// A value in libplist's form, which keeps the list alive that it belongs to. Never changed: lists share them.
-using Node = std::shared_ptr<void>;
-
-Node makeNode(plist_t node) {
-    return {node, plist_free};
-}
-
-/// libplist reads and writes real numbers with the decimal sign of the thread's locale.
-class PlainNumbers {
-public:
-    PlainNumbers() : plain_(newlocale(LC_ALL_MASK, "C", nullptr)), before_(uselocale(plain_)) {}
-    ~PlainNumbers() {
-        uselocale(before_);
-        freelocale(plain_);
-    }
-    PlainNumbers(const PlainNumbers&) = delete;
-    PlainNumbers& operator=(const PlainNumbers&) = delete;
-
-private:
-    locale_t plain_;
-    locale_t before_;
+/// Any integer that a property list can hold: from -(2^64 - 1) to 2^64 - 1.
+struct WholeNumber {
+    bool isNegative = false;
+    std::uint64_t magnitude = 0;
 };
 
-std::string_view textOf(plist_t node) {
-    std::uint64_t length = 0;
-    const char* text = plist_get_string_ptr(node, &length);
-    return {text, static_cast<std::size_t>(length)};
+/// `format` is what `from_chars` wants to know beside the digits.
+template <typename Value>
+std::optional<Value> numberFrom(std::string_view digits, auto... format) {
+    Value number{};
+    const char* end = digits.data() + digits.size();
+    const auto [last, error] = std::from_chars(digits.data(), end, number, format...);
+    return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
 }
 
-/// Calls `visit(key, item)` for the entries of a dictionary, `visit("", item)` for the items of an array, until one
-/// returns false. Returns whether none did.
-template <typename Visit>
-bool forEachItem(plist_t container, Visit visit) {
-    const bool isDictionary = plist_get_node_type(container) == PLIST_DICT;
-    void* next = nullptr;
-    if (isDictionary) {
-        plist_dict_new_iter(container, &next);
-    } else {
-        plist_array_new_iter(container, &next);
-    }
-    const std::unique_ptr<void, decltype(&free)> iterator(next, free);
-    while (true) {
-        char* key = nullptr;
-        plist_t item = nullptr;
-        if (isDictionary) {
-            plist_dict_next_item(container, next, &key, &item);
-        } else {
-            plist_array_next_item(container, next, &item);
-        }
-        const std::unique_ptr<char, decltype(&free)> keyOwner(key, free);
-        if (!item) return true;
-        if (!visit(std::string_view(key ? key : ""), item)) return false;
-    }
+std::optional<WholeNumber> wholeNumber(const Entry* entry) {
+    if (!entry || entry->type != "integer") return std::nullopt;
+    auto digits = trimmed(entry->text);
+    const bool isNegative = digits.starts_with('-');
+    if (isNegative || digits.starts_with('+')) digits.remove_prefix(1);
+    const bool isHexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
+    if (isHexadecimal) digits.remove_prefix(2);
+    const auto magnitude = numberFrom<std::uint64_t>(digits, isHexadecimal ? 16 : 10);
+    return magnitude ? std::optional(WholeNumber{isNegative, *magnitude}) : std::nullopt;
 }
 
-/// Changes every text and key below `node`. Returns whether all were UTF-8.
-bool changeTexts(plist_t node, std::string (*changed)(std::string_view)) {
-    const auto type = plist_get_node_type(node);
-    if (type == PLIST_STRING) {
-        const auto text = textOf(node);
-        if (!posix::isText(text)) return false;
-        if (const auto other = changed(text); other != text) plist_set_string_val(node, other.c_str());
-    }
-    if (type != PLIST_DICT && type != PLIST_ARRAY) return true;
-    return forEachItem(node, [&](std::string_view key, plist_t item) {
-        if (!posix::isText(key)) return false;
-        if (const auto other = changed(key); other != key) {
-            plist_set_key_val(plist_dict_item_get_key(item), other.c_str());
-        }
-        return changeTexts(item, changed);
-    });
+std::optional<double> realNumber(const Entry* entry) {
+    if (!entry || entry->type != "real") return std::nullopt;
+    auto digits = trimmed(entry->text);
+    if (digits.starts_with('+')) digits.remove_prefix(1);
+    return numberFrom<double>(digits);
 }
 
-std::string xmlOf(plist_t node) {
-    const PlainNumbers plainNumbers;
-    char* written = nullptr;
-    std::uint32_t length = 0;
-    plist_to_xml(node, &written, &length);
-    const std::unique_ptr<char, decltype(&plist_to_xml_free)> xml(written, plist_to_xml_free);
-    return written ? std::string(written, length) : std::string();
-}
-
-std::string replaced(std::string text, std::string_view old, std::string_view replacement) {
-    for (auto found = text.find(old); found != std::string::npos; found = text.find(old, found + replacement.size())) {
-        text.replace(found, old.size(), replacement);
-    }
-    return text;
-}
-
-/// libplist leaves the zeros in front of a short year out.
-std::string withFullYears(std::string xml) {
-    constexpr std::string_view opening = "<date>";
-    constexpr std::size_t yearLength = 4;
-    for (auto found = xml.find(opening); found != std::string::npos; found = xml.find(opening, found + 1)) {
-        const auto year = found + opening.size();
-        const auto length = xml.find('-', year) - year;
-        if (length < yearLength) xml.insert(year, yearLength - length, '0');
-    }
-    return xml;
-}
-
-/// A node's integer: its 64 bits, which libplist gives out without telling -1 from 2^64 - 1.
-std::uint64_t bitsOf(plist_t node) {
-    std::uint64_t bits = 0;
-    plist_get_uint_val(node, &bits);
-    return bits;
-}
-
-std::optional<std::int64_t> exactly(plist_t integer) {
-    const auto number = static_cast<std::int64_t>(bitsOf(integer));
-    const bool isNegative = number < 0 && xmlOf(integer).find("<integer>-") != std::string::npos;
-    return number >= 0 || isNegative ? std::optional(number) : std::nullopt;
-}
-
-double realOf(plist_t node) {
-    double number = 0;
-    plist_get_real_val(node, &number);
-    return number;
+std::optional<std::int64_t> exactly(const WholeNumber& number) {
+    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+    if (number.magnitude > largest + (number.isNegative ? 1 : 0)) return std::nullopt;
+    return static_cast<std::int64_t>(number.isNegative ? 0 - number.magnitude : number.magnitude);
 }
 
 std::optional<std::int64_t> exactly(double number) {
@@ -154,31 +69,25 @@ std::optional<std::int32_t> heldToRange(double number) {
         std::clamp(number, static_cast<double>(Limits::min()), static_cast<double>(Limits::max())));
 }
 
-bool isTrue(plist_t boolean) {
-    std::uint8_t flag = 0;
-    plist_get_bool_val(boolean, &flag);
-    return flag != 0;
+bool isBoolean(const Entry* entry) {
+    return entry && (entry->type == "true" || entry->type == "false");
 }
 
 }  // namespace
 
+/// Each entry keeps the very text that it was read with, so that what isn't set here stays letter for letter.
 struct PropertyList::Entries {
-    struct Entry {
-        /// The key with the escapes that it was read with.
-        std::string writtenKey;
-        Node value;
-    };
-
-    plist_t find(std::string_view key) const {
+    const Entry* find(std::string_view key) const {
         const auto found = byKey.find(key);
-        return found == byKey.end() ? nullptr : found->second.value.get();
+        return found == byKey.end() ? nullptr : &found->second;
     }
 
-    void set(std::string_view key, plist_t value) {
-        byKey.insert_or_assign(std::string(key), Entry{withEscapes(key), makeNode(value)});
+    void set(std::string_view key, std::string element, std::string type, std::string_view text) {
+        byKey.insert_or_assign(std::string(key), Entry{"<key>" + posix::xmlFromText(key) + "</key>", std::move(element),
+                                                       std::move(type), std::string(text)});
     }
 
-    std::map<std::string, Entry, std::less<>> byKey;
+    posix::PropertyListEntries byKey;
 };
 
 PropertyList::PropertyList() : entries_(std::make_unique<Entries>()) {}
@@ -194,86 +103,58 @@ PropertyList& PropertyList::operator=(const PropertyList& other) {
 }
 
 std::optional<PropertyList> PropertyList::parse(std::string_view bytes) {
-    if (bytes.size() > largestPropertyList) return std::nullopt;
-    const bool isBinary = posix::isBinaryPropertyList(bytes);
-    if (!isBinary && bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
-    if (!(isBinary ? posix::isSoundBinaryPropertyList(bytes) : posix::isSoundXMLPropertyList(bytes))) {
-        return std::nullopt;
+    std::optional<std::string> converted;
+    if (posix::isBinaryPropertyList(bytes)) {
+        converted = posix::xmlFromBinaryPropertyList(bytes);
+        if (!converted) return std::nullopt;
+        bytes = *converted;
     }
-
-    const PlainNumbers plainNumbers;
-    const std::string terminated(bytes);  // libplist reads numbers up to the first byte that is no digit
-    plist_t root = nullptr;               // libplist reads it before it sets it
-    (isBinary ? plist_from_bin : plist_from_xml)(terminated.data(), static_cast<std::uint32_t>(bytes.size()), &root);
-    const Node list = makeNode(root);
-    // A binary list has no escapes, and GNUstep's of an XML list are better without some.
-    const auto changed = isBinary ? posix::withEscapes : posix::withPairsRead;
-    if (plist_get_node_type(root) != PLIST_DICT || !changeTexts(root, changed)) return std::nullopt;
-
-    auto entries = std::make_unique<Entries>();
-    forEachItem(root, [&](std::string_view key, plist_t item) {
-        entries->byKey.insert_or_assign(withEscapesRead(key), Entries::Entry{std::string(key), Node(list, item)});
-        return true;
-    });
-    return PropertyList(std::move(entries));
+    auto entries = posix::entriesFromXML(bytes);
+    if (!entries) return std::nullopt;
+    return PropertyList(std::make_unique<Entries>(Entries{std::move(*entries)}));
 }
 
 PreferenceValue PropertyList::value(std::string_view key) const {
-    const plist_t node = entries_->find(key);
-    if (!node) return Absent{};
-    switch (plist_get_node_type(node)) {
-        case PLIST_BOOLEAN:
-            return isTrue(node);
-        case PLIST_STRING:
-            return withEscapesRead(textOf(node));
-        case PLIST_UINT:
-        case PLIST_REAL: {
-            const auto number = integer(key);
-            const bool fits =
-                number && *number >= std::numeric_limits<long>::min() && *number <= std::numeric_limits<long>::max();
-            return Number{fits ? std::optional(static_cast<long>(*number)) : std::nullopt};
-        }
-        default:
-            return OtherType{};
-    }
+    const Entry* entry = entries_->find(key);
+    if (!entry) return Absent{};
+    if (isBoolean(entry)) return entry->type == "true";
+    if (entry->type == "string") return entry->text;
+    if (entry->type != "integer" && entry->type != "real") return OtherType{};
+    const auto number = integer(key);
+    const bool fits =
+        number && *number >= std::numeric_limits<long>::min() && *number <= std::numeric_limits<long>::max();
+    return Number{fits ? std::optional(static_cast<long>(*number)) : std::nullopt};
 }
 
 std::optional<std::int64_t> PropertyList::integer(std::string_view key) const {
-    const plist_t node = entries_->find(key);
-    switch (plist_get_node_type(node)) {
-        case PLIST_UINT:
-            return exactly(node);
-        case PLIST_REAL:
-            return exactly(realOf(node));
-        default:
-            return std::nullopt;
-    }
+    const Entry* entry = entries_->find(key);
+    if (const auto number = wholeNumber(entry)) return exactly(*number);
+    if (const auto number = realNumber(entry)) return exactly(*number);
+    return std::nullopt;
 }
 
 std::optional<std::int32_t> PropertyList::intValue(std::string_view key) const {
-    const plist_t node = entries_->find(key);
-    switch (plist_get_node_type(node)) {
-        case PLIST_BOOLEAN:
-            return isTrue(node) ? 1 : 0;
-        case PLIST_UINT:
-            return static_cast<std::int32_t>(bitsOf(node));
-        case PLIST_REAL:
-            return heldToRange(realOf(node));
-        default:
-            return std::nullopt;
+    const Entry* entry = entries_->find(key);
+    if (isBoolean(entry)) return entry->type == "true" ? 1 : 0;
+    if (const auto number = wholeNumber(entry)) {
+        return static_cast<std::int32_t>(number->isNegative ? 0 - number->magnitude : number->magnitude);
     }
+    if (const auto number = realNumber(entry)) return heldToRange(*number);
+    return std::nullopt;
 }
 
 void PropertyList::setBoolean(std::string_view key, bool flag) {
-    entries_->set(key, plist_new_bool(flag ? 1 : 0));
+    entries_->set(key, flag ? "<true/>" : "<false/>", flag ? "true" : "false", {});
 }
 
 void PropertyList::setInteger(std::string_view key, std::int64_t number) {
-    entries_->set(key, plist_new_uint(static_cast<std::uint64_t>(number)));
+    const auto digits = std::to_string(number);
+    entries_->set(key, "<integer>" + digits + "</integer>", "integer", digits);
 }
 
 void PropertyList::setString(std::string_view key, std::string_view text) {
-    entries_->set(key, plist_new_string(withEscapes(text).c_str()));
+    const auto escaped = posix::withEscapes(text);
+    entries_->set(key, "<string>" + posix::xmlFromText(text) + "</string>", "string", posix::withEscapesRead(escaped));
 }
 
 void PropertyList::remove(std::string_view key) {
@@ -282,22 +163,22 @@ void PropertyList::remove(std::string_view key) {
 }
 
 void PropertyList::copyEntry(std::string_view key, const PropertyList& other) {
-    const auto found = other.entries_->byKey.find(key);
-    if (found == other.entries_->byKey.end()) {
+    const Entry* entry = other.entries_->find(key);
+    if (!entry) {
         remove(key);
     } else if (this != &other) {
-        entries_->byKey.insert_or_assign(std::string(key), found->second);
+        entries_->byKey.insert_or_assign(std::string(key), *entry);
     }
 }
 
 bool PropertyList::hasSameEntry(std::string_view key, const PropertyList& other) const {
-    const plist_t mine = entries_->find(key);
-    const plist_t others = other.entries_->find(key);
+    const Entry* mine = entries_->find(key);
+    const Entry* others = other.entries_->find(key);
     if (!mine || !others) return mine == others;
-    const auto type = plist_get_node_type(mine);
-    if (type != plist_get_node_type(others)) return false;
-    if (type == PLIST_STRING) return withEscapesRead(textOf(mine)) == withEscapesRead(textOf(others));
-    return xmlOf(mine) == xmlOf(others);
+    if (mine->type != others->type) return false;
+    if (mine->type == "string") return mine->text == others->text;
+    const auto number = mine->type == "integer" ? integer(key) : std::nullopt;
+    return isBoolean(mine) || mine->element == others->element || (number && number == other.integer(key));
 }
 
 std::vector<std::string> PropertyList::keys() const {
@@ -308,11 +189,17 @@ std::vector<std::string> PropertyList::keys() const {
 }
 
 std::string PropertyList::toXML() const {
-    const Node dictionary = makeNode(plist_new_dict());
+    std::string xml =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+        "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+        "<plist version=\"1.0\">\n"
+        "<dict>\n";
     for (const auto& [key, entry] : entries_->byKey) {
-        plist_dict_set_item(dictionary.get(), entry.writtenKey.c_str(), plist_copy(entry.value.get()));
+        xml += '\t' + entry.keyElement + "\n\t" + entry.element + '\n';
     }
-    return withFullYears(replaced(xmlOf(dictionary.get()), "\r", "&#13;"));
+    xml += "</dict>\n</plist>\n";
+    return xml;
 }
 
 }  // namespace vantrel

@@ -1,9 +1,17 @@
 #include "platform/posix/PropertyListText.h"
 
+#include <libxml/chvalid.h>
+#include <libxml/entities.h>
+#include <libxml/globals.h>
+#include <libxml/parserInternals.h>
+
 #include <algorithm>
+#include <array>
 #include <charconv>
-#include <cstdint>
+#include <memory>
 #include <optional>
+
+#include "platform/posix/XMLCharacters.h"
 
 namespace vantrel::posix {
 namespace {
@@ -11,79 +19,56 @@ namespace {
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 constexpr std::size_t escapeLength = 6;
 
-bool isSurrogate(std::uint32_t unit) {
-    return unit >= 0xD800 && unit <= 0xDFFF;
+bool isHigh(int unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
 }
 
-/// The length of the UTF-8 character at the start of `bytes`, 1 to 4, or 0 when there is none.
-std::size_t characterLength(std::string_view bytes) {
-    const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
-    const unsigned first = byteAt(0);
-    if (first < 0x80) return 1;
-    if (first < 0xC2 || first > 0xF4) return 0;
-    const std::size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    if (bytes.size() < length) return 0;
-    for (std::size_t index = 1; index < length; ++index) {
-        if ((byteAt(index) & 0xC0U) != 0x80U) return 0;
-    }
-    const unsigned second = byteAt(1);
-    const bool isOverlong = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
-    const bool isNone = (first == 0xED && second > 0x9F) || (first == 0xF4 && second > 0x8F);
-    return isOverlong || isNone ? 0 : length;
+bool isLow(int unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-void appendCharacter(std::string& text, std::uint32_t character) {
-    const auto append = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-    if (character < 0x80) {
-        append(character);
-    } else if (character < 0x800) {
-        append(0xC0 | character >> 6);
-        append(0x80 | (character & 0x3F));
-    } else if (character < 0x10000) {
-        append(0xE0 | character >> 12);
-        append(0x80 | (character >> 6 & 0x3F));
-        append(0x80 | (character & 0x3F));
-    } else {
-        append(0xF0 | character >> 18);
-        append(0x80 | (character >> 12 & 0x3F));
-        append(0x80 | (character >> 6 & 0x3F));
-        append(0x80 | (character & 0x3F));
-    }
+bool isOneThatXMLCantHold(int character) {
+    return (character >= 0 && character < 0x20 && !xmlIsCharQ(character)) || character == 0xFFFE || character == 0xFFFF;
+}
+
+std::string inUTF8(int character) {
+    std::array<xmlChar, 4> bytes{};
+    const int length = xmlCopyCharMultiByte(bytes.data(), character);
+    return {plainCharacters(bytes.data()), static_cast<std::size_t>(length)};
+}
+
+/// The character at the start of `text`; nothing where that is no UTF-8.
+std::optional<int> characterAt(std::string_view text) {
+    int length = static_cast<int>(std::min<std::size_t>(text.size(), 4));
+    const int character = xmlGetUTF8Char(xmlCharacters(text.data()), &length);
+    if (!isOneThatXMLCantHold(character) && !xmlIsCharQ(character)) return std::nullopt;
+    // libxml2 reads what is written with too many bytes.
+    return text.starts_with(inUTF8(character)) ? std::optional(character) : std::nullopt;
 }
 
 /// The UTF-16 unit that the escape at the start of `text` stands for; nothing when no escape is there.
-std::optional<std::uint32_t> escapedUnit(std::string_view text) {
+std::optional<int> escapedUnit(std::string_view text) {
     if (text.size() < escapeLength || !text.starts_with("\\U")) return std::nullopt;
-    std::uint32_t unit = 0;
+    unsigned unit = 0;
     const char* end = text.data() + escapeLength;
     const auto [last, error] = std::from_chars(text.data() + 2, end, unit, 16);
-    return error == std::errc() && last == end ? std::optional(unit) : std::nullopt;
+    return error == std::errc() && last == end ? std::optional(static_cast<int>(unit)) : std::nullopt;
 }
 
 /// The character that the two escapes at the start of `text` stand for as a surrogate pair.
-std::optional<std::uint32_t> escapedPair(std::string_view text) {
+std::optional<int> escapedPair(std::string_view text) {
     const auto high = escapedUnit(text);
-    if (!high || *high < 0xD800 || *high > 0xDBFF) return std::nullopt;
+    if (!high || !isHigh(*high)) return std::nullopt;
     const auto low = escapedUnit(text.substr(escapeLength));
-    if (!low || *low < 0xDC00 || *low > 0xDFFF) return std::nullopt;
-    return 0x10000 + ((*high - 0xD800) << 10) + (*low - 0xDC00);
+    if (!low || !isLow(*low)) return std::nullopt;
+    return 0x10000 + (*high - 0xD800) * 0x400 + (*low - 0xDC00);
 }
 
-std::string escape(std::uint32_t unit) {
+std::string escape(int unit) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string escaped = "\\U";
-    for (const int shift : {12, 8, 4, 0}) escaped += digits[unit >> shift & 0xF];
+    for (const int shift : {12, 8, 4, 0}) escaped += digits[static_cast<std::size_t>(unit >> shift & 0xF)];
     return escaped;
-}
-
-/// The UTF-16 unit at the start of `text` when XML or GNUstep's reader would not give it back.
-std::optional<std::uint32_t> unitToEscape(std::string_view text) {
-    const auto first = static_cast<unsigned char>(text.front());
-    if (first == '\\' && escapedUnit(text)) return first;
-    if (first < 0x20 && first != '\t' && first != '\n' && first != '\r') return first;
-    if (text.starts_with("\xEF\xBF\xBE")) return 0xFFFE;
-    if (text.starts_with("\xEF\xBF\xBF")) return 0xFFFF;
-    return std::nullopt;
 }
 
 std::string read(std::string_view text, bool onlyPairs) {
@@ -96,10 +81,10 @@ std::string read(std::string_view text, bool onlyPairs) {
 
         std::size_t length = escapeLength;
         if (const auto pair = escapedPair(text)) {
-            appendCharacter(plain, *pair);
+            plain += inUTF8(*pair);
             length = 2 * escapeLength;
-        } else if (const auto unit = escapedUnit(text); unit && !isSurrogate(*unit) && !onlyPairs) {
-            appendCharacter(plain, *unit);
+        } else if (const auto unit = escapedUnit(text); unit && !isHigh(*unit) && !isLow(*unit) && !onlyPairs) {
+            plain += inUTF8(*unit);
         } else {
             length = 2;
             plain += text.substr(0, length);
@@ -111,30 +96,28 @@ std::string read(std::string_view text, bool onlyPairs) {
 
 }  // namespace
 
-bool isText(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto length = characterLength(bytes);
-        if (length == 0 || bytes.front() == '\0') return false;
-        bytes.remove_prefix(length);
-    }
-    return true;
-}
-
 std::string withEscapes(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
     while (!text.empty()) {
-        const auto length = characterLength(text);
-        if (length == 0) {
+        const auto character = characterAt(text);
+        const auto length = character ? inUTF8(*character).size() : 1;
+        if (!character) {
             escaped += replacementCharacter;
-        } else if (const auto unit = unitToEscape(text)) {
-            escaped += escape(*unit);
+        } else if (isOneThatXMLCantHold(*character) || escapedUnit(text)) {
+            escaped += escape(*character);
         } else {
             escaped += text.substr(0, length);
         }
-        text.remove_prefix(std::max<std::size_t>(length, 1));
+        text.remove_prefix(length);
     }
     return escaped;
+}
+
+std::string xmlFromText(std::string_view text) {
+    const std::unique_ptr<xmlChar, decltype(xmlFree)> xml(
+        xmlEncodeSpecialChars(nullptr, xmlCharacters(withEscapes(text).c_str())), xmlFree);
+    return plainCharacters(xml.get());
 }
 
 std::string withEscapesRead(std::string_view text) {
@@ -143,6 +126,13 @@ std::string withEscapesRead(std::string_view text) {
 
 std::string withPairsRead(std::string_view text) {
     return read(text, /*onlyPairs=*/true);
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view whiteSpace = " \t\r\n";
+    const auto start = text.find_first_not_of(whiteSpace);
+    if (start == std::string_view::npos) return {};
+    return text.substr(start, text.find_last_not_of(whiteSpace) - start + 1);
 }
 
 }  // namespace vantrel::posix

@@ -280,13 +280,12 @@ TEST_F(PosixPreferencesWrites, AfterTheSynchroniseAnotherProcessHasTheLastWord) 
     EXPECT_EQ(readByAnother("look"), "false");
 }
 
-TEST_F(PosixPreferencesWrites, OtherKeysKeepTypeAndValue) {
+TEST_F(PosixPreferencesWrites, OtherKeysStayLetterForLetter) {
     const std::string others =
-        "\t<key>array</key>\n\t<array>\n\t\t<real>1.5</real>\n\t\t<dict>\n\t\t\t<key>a</key>\n"
-        "\t\t\t<false/>\n\t\t</dict>\n\t</array>\n"
+        "\t<key>array</key>\n\t<array>\n\t\t<real>1.50</real>\n\t\t<dict><key>a</key><false/></dict>\n\t</array>\n"
         "\t<key>data</key>\n\t<data>\n\tAAECAw==\n\t</data>\n"
         "\t<key>date</key>\n\t<date>1850-06-01T12:34:56Z</date>\n"
-        "\t<key>real</key>\n\t<real>0.10000000000000001</real>\n"
+        "\t<key>real</key>\n\t<real>0.1</real>\n"
         "\t<key>unsigned</key>\n\t<integer>18446744073709551615</integer>\n";
     writeFile(others);
     write("x", 1L);
