@@ -2,9 +2,6 @@
 
 #include <libxml/xmlstring.h>
 
-#include <cstddef>
-#include <string_view>
-
 namespace vantrel::posix {
 
 /// libxml2 holds UTF-8 in characters of its own type, without a sign.

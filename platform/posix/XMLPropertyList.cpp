@@ -1,7 +1,6 @@
 #include "platform/posix/XMLPropertyList.h"
 
 #include <libxml/parserInternals.h>
-#include <libxml/tree.h>
 
 #include <algorithm>
 #include <array>
@@ -78,8 +77,6 @@ private:
         };
         handler.ignorableWhitespace = handler.characters;
         handler.cdataBlock = handler.characters;
-        // Where there is none, libxml2 takes the one that the process has set.
-        handler.serror = [](void*, auto) {};
         return handler;
     }
 
