@@ -61,22 +61,23 @@ std::string readOf(const std::string& element) {
     return readOf(listWith(element));
 }
 
-/// While it lives, the process's locale has a comma for its decimal sign. Made on the spot: none may be installed.
-class LocaleWithComma {
+/// While it lives, the process's locale has a decimal sign that nobody expects: libplist knows of commas. Made on the
+/// spot: none may be installed.
+class LocaleWithItsOwnSign {
 public:
-    LocaleWithComma() {
-        folder_.write("source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\ngrouping -1\nEND LC_NUMERIC\n");
-        const auto command = "localedef -c -i " + folder_ / "source" + " " + folder_ / "comma" + " >/dev/null 2>&1";
+    LocaleWithItsOwnSign() {
+        folder_.write("source", "LC_NUMERIC\ndecimal_point \"'\"\nthousands_sep \"\"\ngrouping -1\nEND LC_NUMERIC\n");
+        const auto command = "localedef -c -i " + folder_ / "source" + " " + folder_ / "sign" + " >/dev/null 2>&1";
         // It warns of every category that isn't there, and tells of warnings like of errors.
         [[maybe_unused]] const int warned = std::system(command.c_str());
         setenv("LOCPATH", folder_.path.c_str(), 1);
-        const bool isSet = std::setlocale(LC_NUMERIC, "comma") != nullptr;
+        const bool isSet = std::setlocale(LC_NUMERIC, "sign") != nullptr;
         unsetenv("LOCPATH");
         if (!isSet) throw std::runtime_error("no locale at " + folder_.path);
     }
-    LocaleWithComma(const LocaleWithComma&) = delete;
-    LocaleWithComma& operator=(const LocaleWithComma&) = delete;
-    ~LocaleWithComma() { std::setlocale(LC_NUMERIC, "C"); }
+    LocaleWithItsOwnSign(const LocaleWithItsOwnSign&) = delete;
+    LocaleWithItsOwnSign& operator=(const LocaleWithItsOwnSign&) = delete;
+    ~LocaleWithItsOwnSign() { std::setlocale(LC_NUMERIC, "C"); }
 
 private:
     TemporaryFolder folder_;
@@ -435,11 +436,11 @@ TEST(PropertyListChange, EntriesNotTouchedStayLetterForLetter) {
 }
 
 TEST(PropertyListChange, TheLocaleDoesntMatter) {
-    const LocaleWithComma locale;
-    ASSERT_EQ(oneAndAHalf(), "1,5");
+    const LocaleWithItsOwnSign locale;
+    ASSERT_EQ(oneAndAHalf(), "1'5");
     EXPECT_THAT(listWith("<real>1.5</real>").toXML(), HasSubstr("<real>1.5</real>"));
     EXPECT_EQ(listWith("<real>2.0</real>").integer("key"), 2);
-    EXPECT_EQ(oneAndAHalf(), "1,5");
+    EXPECT_EQ(oneAndAHalf(), "1'5");
 }
 
 TEST(PropertyListChange, AListSurvivesItsCopyAndTheListItCameFrom) {
@@ -586,12 +587,12 @@ TEST(BinaryPropertyList, BecomesAnXMLListOfTheSameValues) {
 }
 
 TEST(BinaryPropertyList, TheLocaleDoesntMatter) {
-    const LocaleWithComma locale;
-    ASSERT_EQ(oneAndAHalf(), "1,5");
+    const LocaleWithItsOwnSign locale;
+    ASSERT_EQ(oneAndAHalf(), "1'5");
     const auto list = PropertyList::parse(binaryListWith("\x23" + bigEndian(1.5)));
     ASSERT_TRUE(list);
     EXPECT_THAT(list->toXML(), HasSubstr("<real>1.5</real>"));
-    EXPECT_EQ(oneAndAHalf(), "1,5");
+    EXPECT_EQ(oneAndAHalf(), "1'5");
 }
 
 TEST(BinaryPropertyList, WhatXMLCouldNotGiveBackIsDamage) {
