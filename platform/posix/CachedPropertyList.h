@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/posix/PropertyList.h"
+#include "platform/PropertyList.h"
 #include "platform/posix/SystemCalls.h"
 
 namespace vantrel::posix {

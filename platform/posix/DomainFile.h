@@ -5,8 +5,8 @@
 
 #include "platform/Log.h"
 #include "platform/Preferences.h"
+#include "platform/PropertyList.h"
 #include "platform/posix/CachedPropertyList.h"
-#include "platform/posix/PropertyList.h"
 #include "platform/posix/ReplaceFile.h"
 #include "platform/posix/SystemCalls.h"
 

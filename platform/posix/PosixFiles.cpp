@@ -4,9 +4,9 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "platform/PropertyList.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileContents.h"
-#include "platform/posix/PropertyList.h"
 
 namespace vantrel::posix {
 

@@ -1,8 +1,17 @@
 #include "platform/posix/PropertyListText.h"
 
+#include <libxml/chvalid.h>
+#include <libxml/entities.h>
+#include <libxml/globals.h>
+#include <libxml/parserInternals.h>
+
+#include <algorithm>
+#include <array>
 #include <charconv>
-#include <cstdint>
-#include <utility>
+#include <memory>
+#include <optional>
+
+#include "platform/posix/XMLCharacters.h"
 
 namespace vantrel::posix {
 namespace {
@@ -10,245 +19,120 @@ namespace {
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 constexpr std::size_t escapeLength = 6;
 
-bool isSurrogate(std::uint32_t unit) {
-    return unit >= 0xD800 && unit <= 0xDFFF;
+bool isHigh(int unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
 }
 
-/// The length of the UTF-8 character at the start of `bytes`, 1 to 4, or 0 when there is none.
-std::size_t characterLength(std::string_view bytes) {
-    const auto byteAt = [&](std::size_t index) {
-        return index < bytes.size() ? static_cast<unsigned char>(bytes[index]) : 0U;
-    };
-    const auto continues = [&](std::size_t index) { return (byteAt(index) & 0xC0U) == 0x80U; };
-
-    const unsigned first = byteAt(0);
-    const unsigned second = byteAt(1);
-    if (first < 0x80) return 1;
-    if (first >= 0xC2 && first <= 0xDF) return continues(1) ? 2 : 0;
-    if (first >= 0xE0 && first <= 0xEF) {
-        if (first == 0xE0 && second < 0xA0) return 0;  // overlong
-        if (first == 0xED && second > 0x9F) return 0;  // surrogate
-        return continues(1) && continues(2) ? 3 : 0;
-    }
-    if (first >= 0xF0 && first <= 0xF4) {
-        if (first == 0xF0 && second < 0x90) return 0;  // overlong
-        if (first == 0xF4 && second > 0x8F) return 0;  // past U+10FFFF
-        return continues(1) && continues(2) && continues(3) ? 4 : 0;
-    }
-    return 0;
+bool isLow(int unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-void appendCharacter(std::string& text, std::uint32_t character) {
-    const auto append = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-    if (character < 0x80) {
-        append(character);
-    } else if (character < 0x800) {
-        append(0xC0 | character >> 6);
-        append(0x80 | (character & 0x3F));
-    } else if (character < 0x10000) {
-        append(0xE0 | character >> 12);
-        append(0x80 | (character >> 6 & 0x3F));
-        append(0x80 | (character & 0x3F));
-    } else {
-        append(0xF0 | character >> 18);
-        append(0x80 | (character >> 12 & 0x3F));
-        append(0x80 | (character >> 6 & 0x3F));
-        append(0x80 | (character & 0x3F));
-    }
+bool isOneThatXMLCantHold(int character) {
+    return (character >= 0 && character < 0x20 && !xmlIsCharQ(character)) || character == 0xFFFE || character == 0xFFFF;
 }
 
-std::optional<std::uint32_t> numberFromDigits(std::string_view digits, int base) {
-    std::uint32_t number = 0;
-    const char* end = digits.data() + digits.size();
-    const auto [last, error] = std::from_chars(digits.data(), end, number, base);
-    return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
+std::string inUTF8(int character) {
+    std::array<xmlChar, 4> bytes{};
+    const int length = xmlCopyCharMultiByte(bytes.data(), character);
+    return {plainCharacters(bytes.data()), static_cast<std::size_t>(length)};
+}
+
+/// The character at the start of `text`; nothing where that is no UTF-8.
+std::optional<int> characterAt(std::string_view text) {
+    int length = static_cast<int>(std::min<std::size_t>(text.size(), 4));
+    const int character = xmlGetUTF8Char(xmlCharacters(text.data()), &length);
+    if (!isOneThatXMLCantHold(character) && !xmlIsCharQ(character)) return std::nullopt;
+    // libxml2 reads what is written with too many bytes.
+    return text.starts_with(inUTF8(character)) ? std::optional(character) : std::nullopt;
 }
 
 /// The UTF-16 unit that the escape at the start of `text` stands for; nothing when no escape is there.
-std::optional<std::uint32_t> escapedUnit(std::string_view text) {
+std::optional<int> escapedUnit(std::string_view text) {
     if (text.size() < escapeLength || !text.starts_with("\\U")) return std::nullopt;
-    return numberFromDigits(text.substr(2, 4), 16);
+    unsigned unit = 0;
+    const char* end = text.data() + escapeLength;
+    const auto [last, error] = std::from_chars(text.data() + 2, end, unit, 16);
+    return error == std::errc() && last == end ? std::optional(static_cast<int>(unit)) : std::nullopt;
 }
 
 /// The character that the two escapes at the start of `text` stand for as a surrogate pair.
-std::optional<std::uint32_t> escapedPair(std::string_view text) {
+std::optional<int> escapedPair(std::string_view text) {
     const auto high = escapedUnit(text);
-    if (!high || *high < 0xD800 || *high > 0xDBFF) return std::nullopt;
+    if (!high || !isHigh(*high)) return std::nullopt;
     const auto low = escapedUnit(text.substr(escapeLength));
-    if (!low || *low < 0xDC00 || *low > 0xDFFF) return std::nullopt;
-    return 0x10000 + ((*high - 0xD800) << 10) + (*low - 0xDC00);
+    if (!low || !isLow(*low)) return std::nullopt;
+    return 0x10000 + (*high - 0xD800) * 0x400 + (*low - 0xDC00);
 }
 
-std::string escape(std::uint32_t unit) {
+std::string escape(int unit) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string escaped = "\\U";
-    for (const int shift : {12, 8, 4, 0}) escaped += digits[unit >> shift & 0xF];
+    for (const int shift : {12, 8, 4, 0}) escaped += digits[static_cast<std::size_t>(unit >> shift & 0xF)];
     return escaped;
 }
 
-/// What must stand for the character at the start of `text` where XML or GNUstep's reader would not give it back.
-std::optional<std::string> escapeFor(std::string_view text) {
-    const auto first = static_cast<unsigned char>(text.front());
-    if (first == '\\' && escapedUnit(text)) return escape(first);
-    if (first < 0x20 && first != '\t' && first != '\n' && first != '\r') return escape(first);
-    if (text.starts_with("\xEF\xBF\xBE")) return escape(0xFFFE);
-    if (text.starts_with("\xEF\xBF\xBF")) return escape(0xFFFF);
-    return std::nullopt;
-}
-
-std::string withEscapesRead(std::string_view text) {
-    std::string read;
+std::string read(std::string_view text, bool onlyPairs) {
+    std::string plain;
     while (!text.empty()) {
         const auto escapeStart = text.find("\\U");
-        read += text.substr(0, escapeStart);
+        plain += text.substr(0, escapeStart);
         if (escapeStart == std::string_view::npos) break;
         text.remove_prefix(escapeStart);
 
         std::size_t length = escapeLength;
         if (const auto pair = escapedPair(text)) {
-            appendCharacter(read, *pair);
+            plain += inUTF8(*pair);
             length = 2 * escapeLength;
-        } else if (const auto unit = escapedUnit(text); unit && !isSurrogate(*unit)) {
-            appendCharacter(read, *unit);
+        } else if (const auto unit = escapedUnit(text); unit && !isHigh(*unit) && !isLow(*unit) && !onlyPairs) {
+            plain += inUTF8(*unit);
         } else {
             length = 2;
-            read += text.substr(0, length);
+            plain += text.substr(0, length);
         }
         text.remove_prefix(length);
-    }
-    return read;
-}
-
-/// Resolves the reference `name` (what stands between `&` and `;`) at the end of `text`.
-bool appendReferenced(std::string& text, std::string_view name) {
-    constexpr std::pair<std::string_view, char> named[] = {
-        {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
-    for (const auto& [known, character] : named) {
-        if (name == known) {
-            text += character;
-            return true;
-        }
-    }
-    if (!name.starts_with('#')) return false;
-    const bool hexadecimal = name.starts_with("#x");
-    const auto number = numberFromDigits(name.substr(hexadecimal ? 2 : 1), hexadecimal ? 16 : 10);
-    if (!number || *number == 0 || *number > 0x10FFFF || isSurrogate(*number)) return false;
-    appendCharacter(text, *number);
-    return true;
-}
-
-}  // namespace
-
-bool isText(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto length = characterLength(bytes);
-        if (length == 0 || bytes.front() == '\0') return false;
-        bytes.remove_prefix(length);
-    }
-    return true;
-}
-
-std::string xmlFromText(std::string_view text) {
-    std::string xml;
-    xml.reserve(text.size());
-    while (!text.empty()) {
-        const auto length = characterLength(text);
-        if (length == 0) {
-            xml += replacementCharacter;
-            text.remove_prefix(1);
-            continue;
-        }
-        if (const auto escaped = escapeFor(text)) {
-            xml += *escaped;
-        } else if (text.front() == '&') {
-            xml += "&amp;";
-        } else if (text.front() == '<') {
-            xml += "&lt;";
-        } else if (text.front() == '>') {
-            xml += "&gt;";
-        } else if (text.front() == '\r') {
-            xml += "&#13;";
-        } else {
-            xml += text.substr(0, length);
-        }
-        text.remove_prefix(length);
-    }
-    return xml;
-}
-
-std::optional<std::string> textFromXML(std::string_view content) {
-    std::string text;
-    // Takes `content` up to `closing` away, and `closing` itself.
-    const auto takeUntil = [&](std::string_view closing) -> std::optional<std::string_view> {
-        const auto end = content.find(closing);
-        if (end == std::string_view::npos) return std::nullopt;
-        const auto taken = content.substr(0, end);
-        content.remove_prefix(end + closing.size());
-        return taken;
-    };
-    const auto skip = [&](std::string_view opening) {
-        const bool found = content.starts_with(opening);
-        if (found) content.remove_prefix(opening.size());
-        return found;
-    };
-
-    while (!content.empty()) {
-        const auto plain = content.substr(0, content.find_first_of("<&"));
-        text += plain;
-        content.remove_prefix(plain.size());
-        if (content.empty()) break;
-
-        if (skip("<![CDATA[")) {
-            const auto section = takeUntil("]]>");
-            if (!section) return std::nullopt;
-            text += *section;
-        } else if (skip("<!--")) {
-            if (!takeUntil("-->")) return std::nullopt;
-        } else if (skip("&")) {
-            const auto name = takeUntil(";");
-            if (!name || !appendReferenced(text, *name)) return std::nullopt;
-        } else {
-            return std::nullopt;
-        }
-    }
-    return withEscapesRead(text);
-}
-
-std::string withPlainSurrogatePairs(std::string_view xml) {
-    std::string plain;
-    plain.reserve(xml.size());
-    while (!xml.empty()) {
-        const auto escapeStart = xml.find("\\U");
-        plain += xml.substr(0, escapeStart);
-        if (escapeStart == std::string_view::npos) break;
-        xml.remove_prefix(escapeStart);
-
-        const auto pair = escapedPair(xml);
-        if (pair) {
-            appendCharacter(plain, *pair);
-        } else {
-            plain += xml.substr(0, 2);
-        }
-        xml.remove_prefix(pair ? 2 * escapeLength : 2);
     }
     return plain;
 }
 
-std::string withEscapes(std::string_view xml) {
-    std::string escapedXML;
-    escapedXML.reserve(xml.size());
-    for (; !xml.empty(); xml.remove_prefix(1)) {
-        // The three bytes of U+FFFE and U+FFFF are the only ones of a longer character that are replaced.
-        if (const auto escaped = escapeFor(xml)) {
-            escapedXML += *escaped;
-            if (xml.front() == '\xEF') xml.remove_prefix(2);
-        } else if (xml.front() == '\r') {
-            escapedXML += "&#13;";
+}  // namespace
+
+std::string withEscapes(std::string_view text) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    while (!text.empty()) {
+        const auto character = characterAt(text);
+        const auto length = character ? inUTF8(*character).size() : 1;
+        if (!character) {
+            escaped += replacementCharacter;
+        } else if (isOneThatXMLCantHold(*character) || escapedUnit(text)) {
+            escaped += escape(*character);
         } else {
-            escapedXML += xml.front();
+            escaped += text.substr(0, length);
         }
+        text.remove_prefix(length);
     }
-    return escapedXML;
+    return escaped;
+}
+
+std::string xmlFromText(std::string_view text) {
+    const std::unique_ptr<xmlChar, decltype(xmlFree)> xml(
+        xmlEncodeSpecialChars(nullptr, xmlCharacters(withEscapes(text).c_str())), xmlFree);
+    return plainCharacters(xml.get());
+}
+
+std::string withEscapesRead(std::string_view text) {
+    return read(text, /*onlyPairs=*/false);
+}
+
+std::string withPairsRead(std::string_view text) {
+    return read(text, /*onlyPairs=*/true);
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view whiteSpace = " \t\r\n";
+    const auto start = text.find_first_not_of(whiteSpace);
+    if (start == std::string_view::npos) return {};
+    return text.substr(start, text.find_last_not_of(whiteSpace) - start + 1);
 }
 
 }  // namespace vantrel::posix

@@ -3,11 +3,11 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/posix/PropertyList.h"
+#include "platform/PropertyList.h"
 
 /// Whatever the bytes are: reading them ends, and a list once read comes out of its own file as it was.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using vantrel::posix::PropertyList;
+    using vantrel::PropertyList;
     const auto list = PropertyList::parse({reinterpret_cast<const char*>(data), size});
     if (!list) return 0;
 

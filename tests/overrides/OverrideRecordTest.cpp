@@ -11,7 +11,6 @@ namespace vantrel {
 namespace {
 
 using posix::FaultySystemCalls;
-using posix::PropertyList;
 using posix::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "platform/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
 #include "platform/posix/PosixPreferences.h"
-#include "platform/posix/PropertyList.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
 namespace vantrel::posix {

@@ -9,10 +9,10 @@
 #include <limits>
 #include <string>
 
+#include "platform/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
 #include "platform/posix/PosixPreferences.h"
-#include "platform/posix/PropertyList.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 

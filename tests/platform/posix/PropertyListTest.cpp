@@ -1,12 +1,20 @@
 #include <gmock/gmock.h>
 
+#include <array>
 #include <bit>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "platform/posix/PropertyList.h"
+#include "platform/PropertyList.h"
 #include "platform/posix/PropertyListText.h"
+#include "platform/posix/XMLPropertyList.h"
+#include "tests/platform/posix/TemporaryFolder.h"
 
 namespace vantrel::posix {
 namespace {
@@ -51,6 +59,34 @@ std::string readOf(const PropertyList& list) {
 
 std::string readOf(const std::string& element) {
     return readOf(listWith(element));
+}
+
+/// While it lives, the process's locale has a decimal sign that nobody expects: libplist knows of commas. Made on the
+/// spot: none may be installed.
+class LocaleWithItsOwnSign {
+public:
+    LocaleWithItsOwnSign() {
+        folder_.write("source", "LC_NUMERIC\ndecimal_point \"'\"\nthousands_sep \"\"\ngrouping -1\nEND LC_NUMERIC\n");
+        const auto command = "localedef -c -i " + folder_ / "source" + " " + folder_ / "sign" + " >/dev/null 2>&1";
+        // It warns of every category that isn't there, and tells of warnings like of errors.
+        [[maybe_unused]] const int warned = std::system(command.c_str());
+        setenv("LOCPATH", folder_.path.c_str(), 1);
+        const bool isSet = std::setlocale(LC_NUMERIC, "sign") != nullptr;
+        unsetenv("LOCPATH");
+        if (!isSet) throw std::runtime_error("no locale at " + folder_.path);
+    }
+    LocaleWithItsOwnSign(const LocaleWithItsOwnSign&) = delete;
+    LocaleWithItsOwnSign& operator=(const LocaleWithItsOwnSign&) = delete;
+    ~LocaleWithItsOwnSign() { std::setlocale(LC_NUMERIC, "C"); }
+
+private:
+    TemporaryFolder folder_;
+};
+
+std::string oneAndAHalf() {
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), "%.1f", 1.5);
+    return text.data();
 }
 
 // Typed reads
@@ -201,6 +237,16 @@ TEST(PropertyListParse, TagsThatDontBelongTogetherAreDamage) {
 
 TEST(PropertyListParse, EntitiesOfItsOwnAreNotRead) {
     EXPECT_FALSE(isParsed("<!DOCTYPE plist [<!ENTITY a 'b'>]><plist><dict/></plist>"));
+    EXPECT_FALSE(isParsed("<!DOCTYPE plist SYSTEM 'x' [<!ATTLIST plist a CDATA 'b'>]><plist><dict/></plist>"));
+    EXPECT_FALSE(isParsed("<!DOCTYPE plist []><plist><dict/></plist>"));
+}
+
+TEST(PropertyListParse, TheDocumentTypeIsNotFetched) {
+    const TemporaryFolder folder;
+    folder.write("types", "<!ENTITY a 'b'>");
+    const auto type = "<!DOCTYPE plist SYSTEM '" + folder / "types" + "'>";
+    EXPECT_TRUE(isParsed(type + "<plist><dict/></plist>"));
+    EXPECT_FALSE(isParsed(type + "<plist><dict><key>&a;</key><true/></dict></plist>"));
 }
 
 TEST(PropertyListParse, BytesThatAreNotUTF8AreDamage) {
@@ -210,10 +256,70 @@ TEST(PropertyListParse, BytesThatAreNotUTF8AreDamage) {
     }
 }
 
-TEST(PropertyListParse, AnotherEncodingIsReadWhileItOnlyHoldsASCII) {
-    const auto latin = "<?xml version='1.0' encoding='ISO-8859-1'?><plist><dict><key>a"s;
-    EXPECT_TRUE(isParsed(latin + "</key><true/></dict></plist>"));
-    EXPECT_FALSE(isParsed(latin + "é</key><true/></dict></plist>"));
+TEST(PropertyListParse, OtherEncodingsAreReadAsDeclared) {
+    const auto listIn = [](const std::string& encoding) {
+        return "<?xml version='1.0' encoding='" + encoding + "'?><plist><dict><key>key</key><string>\xE9\r</string>" +
+               "<key>z</key><data>AA==</data></dict></plist>";
+    };
+    const auto latin = PropertyList::parse(listIn("ISO-8859-1"));
+    ASSERT_TRUE(latin);
+    EXPECT_EQ(readOf(*latin), "text \"é\n\"");
+    EXPECT_EQ(latin->toXML(), listOf("\t<key>key</key>\n\t<string>é\n</string>\n"
+                                     "\t<key>z</key>\n\t<data>AA==</data>\n"));
+    EXPECT_FALSE(isParsed(listIn("UTF-8")));
+    EXPECT_FALSE(isParsed(listIn("ASCII")));
+    EXPECT_FALSE(isParsed(listIn("unheard-of")));
+}
+
+TEST(PropertyListParse, UTF16IsRead) {
+    std::string bytes = "\xFF\xFE";
+    for (const char byte : "<plist><dict><key>key</key><string>a</string></dict></plist>"s) bytes += {byte, '\0'};
+    const auto list = PropertyList::parse(bytes);
+    ASSERT_TRUE(list);
+    EXPECT_EQ(readOf(*list), "text \"a\"");
+}
+
+TEST(PropertyListParse, NothingMayStandBehindTheList) {
+    for (const auto& behind : {"x"s, "\0"s, "\0<plist><dict/></plist>"s, "<plist/>"s}) {
+        EXPECT_FALSE(isParsed(listOf("") + behind));
+    }
+}
+
+TEST(PropertyListParse, TextBetweenTagsIsDamage) {
+    for (const auto* entries : {"x", "<key>a</key>x<true/>", "<key>a</key><array>x</array>", "<![CDATA[x]]>"}) {
+        EXPECT_FALSE(isParsed(listOf(entries))) << entries;
+    }
+    EXPECT_FALSE(isParsed("<plist>x<dict/></plist>"));
+}
+
+TEST(PropertyListParse, TagsOfAnotherNameSpaceAreDamage) {
+    EXPECT_FALSE(isParsed("<plist xmlns:a='b'><a:dict/></plist>"));
+    EXPECT_FALSE(isParsed("<plist><dict xmlns='b'/></plist>"));
+}
+
+TEST(PropertyListParse, DamageIsSilent) {
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(isParsed("<plist><dict></plist>"));
+    EXPECT_FALSE(isParsed("<?xml version='1.0' encoding='unheard-of'?><plist/>"));
+    EXPECT_FALSE(isParsed("<?xml version='1.0' encoding='ISO-8859-1'?><plist>"));
+    EXPECT_EQ(xmlFromText("\xF7\xBF\xBF\xBF").find("\xEF\xBF\xBD"), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(PropertyListParse, ALongListIsCutWhereItsEntriesStart) {
+    std::string entries;
+    for (int number = 10'000; number < 20'000; ++number) {
+        const auto text = std::to_string(number);
+        entries += "\t<key>é" + text + "</key>\n\t<string >&quot;" + text + "<!-- <é> --></string>\n";
+    }
+    const auto list = PropertyList::parse("\xEF\xBB\xBF" + listOf(entries));
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->toXML(), listOf(entries));
+}
+
+TEST(PropertyListParse, ALongEntryIsReadWhole) {
+    const auto data = "<data>" + std::string(12'000'000, 'A') + "</data>";
+    EXPECT_THAT(listWith(data).toXML(), HasSubstr(data));
 }
 
 TEST(PropertyListParse, NestingEndsTheReadAndNotTheProcess) {
@@ -226,6 +332,19 @@ TEST(PropertyListParse, NestingEndsTheReadAndNotTheProcess) {
     EXPECT_TRUE(isParsed(nested(deepestNesting)));
     EXPECT_FALSE(isParsed(nested(deepestNesting + 1)));
     EXPECT_FALSE(isParsed(nested(200'000)));
+}
+
+TEST(PropertyListParse, AQuoteDoesntHideNesting) {
+    std::string arrays;
+    for (std::size_t level = 0; level <= deepestNesting; ++level) arrays += "<array>";
+    for (std::size_t level = 0; level <= deepestNesting; ++level) arrays += "</array>";
+    const auto list = "<dict><key>a</key>" + arrays + "</dict>";
+    EXPECT_FALSE(isParsed("<!DOCTYPE plist \"><dict/><!-- \">" + list + "<!-- -->"));
+    EXPECT_FALSE(isParsed("<?x \"?><dict/><!-- \"?>" + list + "<!-- -->"));
+}
+
+TEST(PropertyListParse, AKeyWithANulIsDamage) {
+    EXPECT_FALSE(isParsed(listOf("<key>a\0b</key><true/>"s)));
 }
 
 TEST(PropertyListParse, AListPastTheLargestIsNotRead) {
@@ -274,11 +393,17 @@ TEST(PropertyListChange, EveryTextSurvivesTheFile) {
 TEST(PropertyListChange, ATextIsWrittenSoThatEveryReaderGetsIt) {
     EXPECT_EQ(xmlFromText("a\rb"), "a&#13;b");
     EXPECT_EQ(xmlFromText("\\U0041\x01"), "\\U005CU0041\\U0001");
-    EXPECT_EQ(xmlFromText("😀"), "😀");
+    EXPECT_EQ(xmlFromText("😀<&"), "😀&lt;&amp;");
 }
 
 TEST(PropertyListChange, BytesThatAreNoTextBecomeReplacementCharacters) {
     EXPECT_EQ(xmlFromText("a\xFF\xC3"), "a\xEF\xBF\xBD\xEF\xBF\xBD");
+    for (const auto* bytes : {"\xC1\xBF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80"}) {
+        EXPECT_THAT(xmlFromText(bytes), testing::StartsWith("\xEF\xBF\xBD")) << bytes;
+    }
+    PropertyList list;
+    list.setString("key", "a\xFF");
+    EXPECT_EQ(readOf(list), "text \"a\xEF\xBF\xBD\"");
 }
 
 TEST(PropertyListChange, AnEmptyListIsAList) {
@@ -308,6 +433,26 @@ TEST(PropertyListChange, EntriesNotTouchedStayLetterForLetter) {
     const auto tenth = entries.find("\t<key>tenth");
     const auto uid = entries.find("\t<key>uid");
     EXPECT_EQ(list->toXML(), listOf(entries.substr(0, tenth) + entries.substr(uid) + "\t<key>zz</key>\n\t<false/>\n"));
+}
+
+TEST(PropertyListChange, TheLocaleDoesntMatter) {
+    const LocaleWithItsOwnSign locale;
+    ASSERT_EQ(oneAndAHalf(), "1'5");
+    EXPECT_THAT(listWith("<real>1.5</real>").toXML(), HasSubstr("<real>1.5</real>"));
+    EXPECT_EQ(listWith("<real>2.0</real>").integer("key"), 2);
+    EXPECT_EQ(oneAndAHalf(), "1'5");
+}
+
+TEST(PropertyListChange, AListSurvivesItsCopyAndTheListItCameFrom) {
+    auto original = std::make_optional(listWith("<array><string>a</string></array>"));
+    const PropertyList copy = *original;
+    PropertyList other;
+    other.copyEntry("key", *original);
+    const auto xml = original->toXML();
+    original->setBoolean("key", true);
+    original.reset();
+    EXPECT_EQ(copy.toXML(), xml);
+    EXPECT_EQ(other.toXML(), xml);
 }
 
 TEST(PropertyListChange, ACharacterThatGNUstepTookApartIsPutTogether) {
@@ -441,11 +586,21 @@ TEST(BinaryPropertyList, BecomesAnXMLListOfTheSameValues) {
     EXPECT_TRUE(PropertyList::parse(xml));
 }
 
+TEST(BinaryPropertyList, TheLocaleDoesntMatter) {
+    const LocaleWithItsOwnSign locale;
+    ASSERT_EQ(oneAndAHalf(), "1'5");
+    const auto list = PropertyList::parse(binaryListWith("\x23" + bigEndian(1.5)));
+    ASSERT_TRUE(list);
+    EXPECT_THAT(list->toXML(), HasSubstr("<real>1.5</real>"));
+    EXPECT_EQ(oneAndAHalf(), "1'5");
+}
+
 TEST(BinaryPropertyList, WhatXMLCouldNotGiveBackIsDamage) {
     EXPECT_EQ(readOfBinary("\x53"
                            "a\0b"s),
               "damaged");
     EXPECT_EQ(readOfBinary("\x61" + bigEndian(0xD83D, 2)), "damaged");
+    EXPECT_EQ(readOfBinary("\x61" + bigEndian(0xDE00, 2)), "damaged");
     EXPECT_EQ(readOfBinary("\x61" + bigEndian(0, 2)), "damaged");
     EXPECT_EQ(readOfBinary("\x51\xE9"), "damaged");
     EXPECT_EQ(readOfBinary("\x14" + bigEndian(1, 8) + bigEndian(0, 8)), "damaged");

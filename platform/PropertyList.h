@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,20 +10,26 @@
 
 #include "platform/Preferences.h"
 
-namespace vantrel::posix {
+namespace vantrel {
 
-/// Bounds on what is read: no settings file comes near, and what a hostile one can cost stays small.
+/// The most bytes that are read: no settings file comes near, and what a hostile one can cost stays small.
 inline constexpr std::size_t largestPropertyList = 16 * 1024 * 1024;
-inline constexpr std::size_t deepestNesting = 128;
 
-/// A property list whose top is a dictionary. Entries that aren't set here keep the very text they were read with, so
-/// that nothing of any type, known or not, changes its value on the way from file to file.
+/// A property list whose top is a dictionary. Entries that aren't set here keep their type and value, known or not, on
+/// the way from file to file.
 class PropertyList {
 public:
     /// An empty dictionary.
-    PropertyList() = default;
+    PropertyList();
+    ~PropertyList();
+    PropertyList(const PropertyList& other);
+    PropertyList& operator=(const PropertyList& other);
+    /// A list that was moved from can only be assigned to, or let go.
+    PropertyList(PropertyList&&) noexcept;
+    PropertyList& operator=(PropertyList&&) noexcept;
 
-    /// Reads an XML or a binary list. Nothing when it is damaged, isn't a dictionary at the top, or passes a bound.
+    /// Reads an XML or a binary list. Nothing when it is damaged, isn't a dictionary at the top, passes a bound, or
+    /// holds something that could not be written again.
     static std::optional<PropertyList> parse(std::string_view bytes);
 
     /// What stands under `key`.
@@ -47,8 +53,7 @@ public:
     /// Takes the entry under `key` over from `other`, or removes it where `other` has none.
     void copyEntry(std::string_view key, const PropertyList& other);
 
-    /// Whether both have an entry under `key` of the same type and value, or neither has one. Entries that aren't
-    /// Boolean, integer or text must be written alike to be the same.
+    /// Whether both have an entry under `key` of the same type and value, or neither has one.
     bool hasSameEntry(std::string_view key, const PropertyList& other) const;
 
     /// All keys, sorted.
@@ -58,26 +63,12 @@ public:
     std::string toXML() const;
 
 private:
-    enum class Type { falseValue, trueValue, integer, real, string, other };
+    /// The entries as the platform's library holds them.
+    struct Entries;
 
-    /// An entry as it stands in the file.
-    struct Entry {
-        Type type;
-        /// What stands between the tags of its key.
-        std::string keyContent;
-        /// Its value with the tags.
-        std::string element;
+    explicit PropertyList(std::unique_ptr<Entries> entries);
 
-        /// What stands between the tags of its value.
-        std::string_view content() const;
-    };
-
-    class Reader;
-
-    const Entry* find(std::string_view key) const;
-    void set(std::string_view key, Type type, std::string element);
-
-    std::map<std::string, Entry, std::less<>> entries_;
+    std::unique_ptr<Entries> entries_;
 };
 
-}  // namespace vantrel::posix
+}  // namespace vantrel
