@@ -5,6 +5,9 @@ if(APPLE)
 else()
     set(system GNUstep)
     set(system_library vantrel_posix)
+    # Compiled here, so that it can't rot; nothing links it.
+    add_library(macos_services OBJECT SystemServicesApple.mm)
+    target_link_libraries(macos_services PRIVATE vantrel_pane vantrel_override_record vantrel_cocoa)
 endif()
 
 add_library(pane MODULE ConnectedPane.mm PrincipalClass.mm SystemServices${system}.mm)
