@@ -7,7 +7,7 @@ endforeach()
 
 add_custom_target(format COMMAND clang-format -i ${sources} WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} VERBATIM)
 add_custom_target(format-check COMMAND clang-format --dry-run -Werror ${sources}
-                  WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} VERBATIM)
+                  WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} COMMENT "Looking at the format of every source" VERBATIM)
 
 # clang reads what g++ compiled, so it needs the Objective-C runtime's headers pointed out.
 execute_process(COMMAND gcc -print-file-name=include OUTPUT_VARIABLE gcc_include OUTPUT_STRIP_TRAILING_WHITESPACE)

@@ -12,8 +12,7 @@
 
 - (void)viewChanged:(NSNotification *)notification {
     // NSUserDefaults would answer from what it read before; the file tells what is stored now.
-    NSString *path =
-        [GSDefaultsRootForUser(NSUserName()) stringByAppendingPathComponent:@"com.vantrel.codec.plist"];
+    NSString *path = [GSDefaultsRootForUser(NSUserName()) stringByAppendingPathComponent:@"com.vantrel.codec.plist"];
     NSDictionary *domain = [NSDictionary dictionaryWithContentsOfFile:path];
     std::printf("%s from %s: ShowStereoStatusMenu is %s\n", [[notification name] UTF8String],
                 [[[notification object] description] UTF8String],
