@@ -5,30 +5,10 @@
 #include <vector>
 
 #include "settings/KeyTable.h"
+#include "tests/settings/KeysInWords.h"
 
 namespace vantrel {
 namespace {
-
-std::string describe(Encoding encoding) {
-    switch (encoding) {
-        case Encoding::flag:
-            return "flag";
-        case Encoding::integer:
-            return "integer";
-        case Encoding::text:
-            return "text";
-    }
-    return "?";
-}
-
-std::string describe(const SetUpDefault& value) {
-    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
-    if (const auto* number = std::get_if<long>(&value)) return std::to_string(*number);
-    if (const auto* text = std::get_if<LocalizedText>(&value)) {
-        return std::string(text->key) + " or \"" + std::string(text->fallback) + '"';
-    }
-    return "never read";
-}
 
 std::string describe(Repair repair) {
     switch (repair) {

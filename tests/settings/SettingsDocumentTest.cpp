@@ -6,6 +6,7 @@
 
 #include "overrides/MetadataDictionary.h"
 #include "settings/KeyTable.h"
+#include "tests/settings/KeysInWords.h"
 
 namespace vantrel {
 namespace {
@@ -36,32 +37,13 @@ std::map<std::string, Row> documentedSettings() {
     return rows;
 }
 
-std::string inWords(Encoding encoding) {
-    switch (encoding) {
-        case Encoding::flag:
-            return "flag";
-        case Encoding::integer:
-            return "integer";
-        case Encoding::text:
-            return "text";
-    }
-    return "";
-}
-
-std::string inWords(const SetUpDefault& value) {
-    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
-    if (const auto* number = std::get_if<long>(&value)) return std::to_string(*number);
-    if (const auto* text = std::get_if<LocalizedText>(&value)) return std::string(text->key);
-    return "none";
-}
-
 TEST(SettingsDocument, TellsTypeAndDefaultOfEveryKey) {
     const auto rows = documentedSettings();
     for (const auto& key : keyTable) {
         const auto row = rows.find(std::string(key.name));
         ASSERT_NE(row, rows.end()) << key.name;
-        EXPECT_EQ(row->second.type, inWords(key.encoding)) << key.name;
-        EXPECT_EQ(row->second.setUpDefault, inWords(key.setUpDefault)) << key.name;
+        EXPECT_EQ(row->second.type, describe(key.encoding)) << key.name;
+        EXPECT_EQ(row->second.setUpDefault, describe(key.setUpDefault)) << key.name;
     }
     EXPECT_TRUE(rows.contains(std::string(overrideKeys::chromaFilter)));
     EXPECT_TRUE(rows.contains(std::string(overrideKeys::decodeThreads)));
