@@ -13,7 +13,7 @@
 namespace vantrel {
 
 /// The most bytes that are read: no settings file comes near, and what a hostile one can cost stays small.
-inline constexpr std::size_t largestPropertyList = 16 * 1024 * 1024;
+inline constexpr std::size_t largestPropertyList = std::size_t{16} * 1024 * 1024;
 
 /// A property list whose top is a dictionary. Entries that aren't set here keep their type and value, known or not, on
 /// the way from file to file.

@@ -110,7 +110,7 @@ bool DomainFile::keepAside(const std::string& path) {
         std::string free = kept;
         if (number > 1) free += '-' + std::to_string(number);
         if (calls_.renameNoReplace(path.c_str(), free.c_str()) == 0) {
-            log_.log(path + " is not a property list, it is kept as " + free);
+            log_.log(std::string(path).append(" is not a property list, it is kept as ").append(free));
             return true;
         }
         if (errno != EEXIST) return false;
