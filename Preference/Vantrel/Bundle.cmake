@@ -1,13 +1,13 @@
 # The bundle that the settings host loads, Vantrel.prefPane, in the build folder.
 if(APPLE)
     set(system Apple)
-    set(system_library vantrel_apple)
+    set(system_library vantrel_apple vantrel_cocoa_overrides)
 else()
     set(system GNUstep)
     set(system_library vantrel_posix)
     # Compiled here, so that it can't rot; nothing links it.
     add_library(macos_services OBJECT SystemServicesApple.mm)
-    target_link_libraries(macos_services PRIVATE vantrel_pane vantrel_override_record vantrel_cocoa)
+    target_link_libraries(macos_services PRIVATE vantrel_pane vantrel_override_record vantrel_cocoa_overrides)
 endif()
 
 add_library(pane MODULE ConnectedPane.mm PrincipalClass.mm SystemServices${system}.mm)

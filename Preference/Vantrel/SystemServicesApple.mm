@@ -1,11 +1,11 @@
 #include "Preference/Vantrel/SystemServices.h"
+#import "overrides/CocoaMetadataDictionary.h"
 #include "overrides/OverrideRecord.h"
 #import "platform/apple/AppleFiles.h"
 #include "platform/apple/ApplePreferences.h"
 #include "platform/apple/AppleProcessors.h"
 #import "platform/apple/MakersMetadataDictionary.h"
 #import "platform/cocoa/CocoaFolders.h"
-#import "platform/cocoa/CocoaMetadataDictionary.h"
 #import "platform/cocoa/CocoaSystem.h"
 
 namespace vantrel {

@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
+#import "overrides/CocoaMetadataDictionary.h"
 #include "overrides/OverrideRecord.h"
 #import "platform/cocoa/CocoaFolders.h"
-#import "platform/cocoa/CocoaMetadataDictionary.h"
 #import "platform/cocoa/CocoaText.h"
 
 // Not in our own namespace, where MetadataDictionary is the interface that the pane knows.

@@ -1,4 +1,4 @@
-#import "platform/cocoa/CocoaMetadataDictionary.h"
+#import "overrides/CocoaMetadataDictionary.h"
 
 #import "platform/cocoa/CocoaText.h"
 
