@@ -51,8 +51,10 @@ find_control() { # outlet, or outlet/row of a radio matrix
     width=${frames_width[$1]} height=${frames_height[$1]}
 }
 
+# The host can lose a click that comes while it is still busy with the last one, so its window comes to rest first.
 click_control() { # outlet, or outlet/row of a radio matrix
     local x y width height
+    settle
     find_control "$1"
     click $((x + width / 2)) $((y + height / 2))
 }
