@@ -329,6 +329,22 @@ TEST_F(Bundle, TypingEnablesThatFoldersButtonsAndOKStoresTheText) {
     EXPECT_FALSE([pane.variable("_LUTsUndo") isEnabled]);
 }
 
+TEST_F(Bundle, AFolderMayBeAnyText) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    NSString *const texts[] = {@"", [@"" stringByPaddingToLength:5000 withString:@"/folder" startingAtIndex:0],
+                               @"\U0001F3AC \u05e9\u05dc\u05d5\u05dd \u0627\u0644\u0623\u0644\u0648\u0627\u0646",
+                               @"\\U0041 &amp; ]]> \"'"};
+    for (NSString *folder : texts) {
+        pane.type("_overridePath", folder);
+        pane.click("_overrideOK");
+        EXPECT_EQ(domainFile()["OverridePath"], "string " + text(folder));
+
+        const Pane next;
+        EXPECT_EQ(text([next.variable("_overridePath") stringValue]), text(folder));
+    }
+}
+
 TEST_F(Bundle, UndoPutsTheCommittedFolderBackAndWritesNothing) {
     writeDomainFile(completeDomain());
     const Pane pane;
