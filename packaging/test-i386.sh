@@ -14,8 +14,8 @@ packaging=$(dirname "$(realpath "$0")")
 sources=$(dirname "$packaging")
 
 # The list for building, less what looks at the sources, makes packages or watches the display from outside.
-outside='build-essential|clang|clang-format|clang-tidy|debhelper|debootstrap|fonts-noto-cjk|g\+\+-multilib|gcovr|imagemagick'
-outside+='|libclang-rt-14-dev|lintian|openbox|procps|util-linux|x11-utils|xauth|xdotool|xvfb'
+outside='build-essential|clang|clang-format|clang-tidy|debhelper|debootstrap|fonts-noto-cjk|g\+\+-multilib|gcovr'
+outside+='|imagemagick|libclang-rt-14-dev|lintian|openbox|procps|util-linux|x11-utils|xauth|xdotool|xvfb'
 make_tree i386 "$(grep -vxE "$outside" "$packaging/debian-packages.txt" | paste -sd,)"
 
 mkdir -p "$build" "$tree/sources" "$tree/build"
