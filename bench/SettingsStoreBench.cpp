@@ -14,13 +14,13 @@
 #include <vector>
 
 #include "platform/Log.h"
-#include "platform/posix/PosixPreferences.h"
+#include "platform/gnustep/GNUstepPreferences.h"
 #include "settings/KeyTable.h"
 
 // What the settings store on Linux costs, as a ratio to the least that the system itself needs for the same. Both are
 // measured in turns, so that whatever else the machine does meets both alike.
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 constexpr std::string_view appID = codecApplicationID;
@@ -86,7 +86,7 @@ void replaceDurably(const std::string& folder, const std::string& bytes) {
 
 void run(const std::string& folder) {
     NoLog log;
-    PosixPreferences preferences(folder, log);
+    GNUstepPreferences preferences(folder, log);
     // A domain as the pane leaves it behind, with a value of each key's type.
     for (const auto& key : keyTable) {
         switch (key.encoding) {
@@ -129,12 +129,12 @@ void run(const std::string& folder) {
 }
 
 }  // namespace
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep
 
 /// Works in a folder of its own below the one it is started in, which should be on a disk.
 int main() {
     std::string folder = (std::filesystem::current_path() / "bench-XXXXXX").string();
-    vantrel::posix::require(mkdtemp(folder.data()) != nullptr, "mkdtemp");
-    vantrel::posix::run(folder);
+    vantrel::gnustep::require(mkdtemp(folder.data()) != nullptr, "mkdtemp");
+    vantrel::gnustep::run(folder);
     std::filesystem::remove_all(folder);
 }

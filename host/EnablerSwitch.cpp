@@ -57,7 +57,7 @@ void EnablerSwitch::clicked(CheckBox& control) {
 
 /// The enabler for the installed Final Cut Pro, or nothing after an alert that says what is missing.
 std::optional<std::string> EnablerSwitch::findVersionEnabler() {
-    const auto record = files_.dictionaryWithContentsOfFile(std::string(enablerPaths::versionRecord));
+    const auto record = propertyLists_.dictionaryWithContentsOfFile(std::string(enablerPaths::versionRecord));
     if (!record) {
         alerts_.runModal({"Could not find any FCP installation", std::nullopt});
         return std::nullopt;

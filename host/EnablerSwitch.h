@@ -8,6 +8,7 @@
 #include "platform/Controls.h"
 #include "platform/Files.h"
 #include "platform/Log.h"
+#include "platform/PropertyLists.h"
 #include "settings/SettingsStore.h"
 
 namespace vantrel {
@@ -42,8 +43,8 @@ std::string versionEnabler(std::string_view versionTag);
 /// key "fcpRTEnableSwap" is written after a success only; after a failure the check box goes back to what holds.
 class EnablerSwitch {
 public:
-    EnablerSwitch(Files& files, Alerts& alerts, Log& log, SettingsStore& store)
-        : files_(files), alerts_(alerts), log_(log), store_(store) {}
+    EnablerSwitch(Files& files, PropertyLists& propertyLists, Alerts& alerts, Log& log, SettingsStore& store)
+        : files_(files), propertyLists_(propertyLists), alerts_(alerts), log_(log), store_(store) {}
 
     /// Carries out a click on `control`, which already shows the state that the user chose. Without a Final Cut Pro
     /// of a version that there is an enabler for, an alert says so, and the check box goes off, whichever way it was
@@ -56,6 +57,7 @@ private:
     bool switchOff();
 
     Files& files_;
+    PropertyLists& propertyLists_;
     Alerts& alerts_;
     Log& log_;
     SettingsStore& store_;

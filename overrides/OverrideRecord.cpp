@@ -12,12 +12,12 @@ namespace {
 
 class RecordMetadata : public Metadata {
 public:
-    explicit RecordMetadata(PropertyList entries) : entries(std::move(entries)) {}
+    explicit RecordMetadata(gnustep::PropertyList entries) : entries(std::move(entries)) {}
 
     std::optional<std::int32_t> objectForKey(std::string_view key) const override { return entries.intValue(key); }
     void setObjectForKey(std::int32_t value, std::string_view key) override { entries.setInteger(key, value); }
 
-    PropertyList entries;
+    gnustep::PropertyList entries;
 };
 
 class RecordMetadataDictionary : public MetadataDictionary {
@@ -48,8 +48,8 @@ std::optional<OverrideRecord> OverrideRecord::load(const std::string& applicatio
     struct stat status;
     if (calls.stat(record.path_.c_str(), &status) != 0 && errno == ENOENT) return record;
 
-    const auto bytes = posix::contentsOfFile(calls, record.path_, largestPropertyList);
-    auto entries = bytes ? PropertyList::parse(*bytes) : std::nullopt;
+    const auto bytes = posix::contentsOfFile(calls, record.path_, gnustep::largestPropertyList);
+    auto entries = bytes ? gnustep::PropertyList::parse(*bytes) : std::nullopt;
     if (!entries) return std::nullopt;
     record.entries_ = std::move(*entries);
     return record;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "overrides/MetadataDictionary.h"
-#include "platform/PropertyList.h"
+#include "platform/gnustep/PropertyList.h"
 #include "platform/posix/SystemCalls.h"
 
 namespace vantrel {
@@ -21,7 +21,7 @@ public:
                                               posix::SystemCalls& calls = posix::SystemCalls::real());
 
     /// What was loaded, and changes to it, which last from `write` on.
-    PropertyList& entries() { return entries_; }
+    gnustep::PropertyList& entries() { return entries_; }
 
     /// Replaces the record on disk, whole and durably, mode 0600, making its folders where they are missing. Returns
     /// false when that failed; the record on disk is then what it was.
@@ -32,7 +32,7 @@ private:
 
     std::string path_;
     posix::SystemCalls& calls_;
-    PropertyList entries_;
+    gnustep::PropertyList entries_;
 };
 
 /// Override metadata from the record.

@@ -23,8 +23,10 @@ mount --bind "$sources" "$tree/sources"
 mount -o remount,bind,ro "$tree/sources"
 mount --bind "$build" "$tree/build"
 in_tree cmake -G Ninja -S /sources -B /build -D CMAKE_CXX_COMPILER=g++ -D CMAKE_BUILD_TYPE=RelWithDebInfo
-in_tree cmake --build /build --target pane KVRXMetadataDictionary posix_tests
-in_tree /build/tests/platform/posix/posix_tests --gtest_brief=1
+in_tree cmake --build /build --target pane KVRXMetadataDictionary posix_tests gnustep_tests linux_tests
+for room in posix gnustep linux; do
+    in_tree "/build/tests/platform/$room/${room}_tests" --gtest_brief=1
+done
 in_tree cmake --install /build --prefix /usr --component pane
 file=$tree/usr/lib/GNUstep/Bundles/Vantrel.prefPane/Vantrel
 expect_same "the bundle's word size" "$(head --bytes 5 "$file" | od -An -tx1)" " 7f 45 4c 46 01"

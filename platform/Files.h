@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 
@@ -9,17 +8,10 @@ namespace vantrel {
 /// Why a file operation failed, in words that a person can act on; nothing when it succeeded.
 using FileFailure = std::optional<std::string>;
 
-/// The entries of a property list's top-level dictionary whose values are strings.
-using StringEntries = std::map<std::string, std::string, std::less<>>;
-
 /// Whole files, by absolute path in UTF-8.
 class Files {
 public:
     virtual ~Files() = default;
-
-    /// Reads a property list, XML or binary. Nothing when the file is missing, can't be read, or isn't a
-    /// dictionary at the top.
-    virtual std::optional<StringEntries> dictionaryWithContentsOfFile(const std::string& path) = 0;
 
     /// Whether something exists at `path`.
     virtual bool fileExistsAtPath(const std::string& path) = 0;

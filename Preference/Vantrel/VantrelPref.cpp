@@ -9,7 +9,7 @@ VantrelPref::VantrelPref(const InstanceVariables& variables, const Services& ser
       luts_({variables.LUTsPath, variables.LUTsOK, variables.LUTsUndo, variables.LUTsPathString, keys::lutsPath}),
       override_({variables.overridePath, variables.overrideOK, variables.overrideUndo, variables.overridePathString,
                  keys::overridePath}),
-      enablerSwitch_(services.files, services.alerts, services.log, store_) {}
+      enablerSwitch_(services.files, services.propertyLists, services.alerts, services.log, store_) {}
 
 void VantrelPref::initWithBundle(Bundle& bundle) {
     variables_.versionString.clear();

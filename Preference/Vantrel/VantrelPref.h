@@ -19,6 +19,7 @@ struct Services {
     MetadataDictionaryClass& metadataDictionaryClass;
     Processors& processors;
     Files& files;
+    PropertyLists& propertyLists;
     Alerts& alerts;
     Log& log;
     Notifications& notifications;

@@ -5,7 +5,7 @@
 #import "platform/cocoa/CocoaText.h"
 
 using vantrel::OverrideRecord;
-using vantrel::PropertyList;
+using vantrel::gnustep::PropertyList;
 
 namespace {
 

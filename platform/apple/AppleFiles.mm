@@ -18,7 +18,7 @@ FileFailure failure(BOOL succeeded, NSError *error) {
 
 }  // namespace
 
-std::optional<StringEntries> AppleFiles::dictionaryWithContentsOfFile(const std::string &path) {
+std::optional<StringEntries> ApplePropertyLists::dictionaryWithContentsOfFile(const std::string &path) {
     NSDictionary *dictionary = [NSDictionary dictionaryWithContentsOfFile:toNSString(path)];
     if (!dictionary) return std::nullopt;
     StringEntries entries;

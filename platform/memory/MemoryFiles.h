@@ -5,21 +5,16 @@
 #include <string>
 
 #include "platform/Files.h"
+#include "platform/PropertyLists.h"
 #include "platform/memory/Journal.h"
 
 namespace vantrel::memory {
 
-/// Whole files in memory. Records "dictionary PATH", "exists PATH", "move FROM -> TO", "copy FROM -> TO" and
+/// Whole files in memory. Records "exists PATH", "move FROM -> TO", "copy FROM -> TO" and
 /// "remove PATH", whether they succeed or not.
 class MemoryFiles : public Files {
 public:
     explicit MemoryFiles(Journal& journal) : journal_(journal) {}
-
-    std::optional<StringEntries> dictionaryWithContentsOfFile(const std::string& path) override {
-        journal_.record("dictionary " + path);
-        const auto found = dictionaries.find(path);
-        return found == dictionaries.end() ? std::nullopt : std::optional(found->second);
-    }
 
     bool fileExistsAtPath(const std::string& path) override {
         journal_.record("exists " + path);
@@ -46,8 +41,6 @@ public:
 
     /// Content by path.
     std::map<std::string, std::string> contents;
-    /// Property lists by path.
-    std::map<std::string, StringEntries> dictionaries;
     /// Calls, as the journal spells them, that fail with "told to fail" and change nothing.
     std::set<std::string> failing;
 
@@ -61,6 +54,24 @@ private:
         return std::nullopt;
     }
 
+    Journal& journal_;
+};
+
+/// Property lists in memory. Records "dictionary PATH".
+class MemoryPropertyLists : public PropertyLists {
+public:
+    explicit MemoryPropertyLists(Journal& journal) : journal_(journal) {}
+
+    std::optional<StringEntries> dictionaryWithContentsOfFile(const std::string& path) override {
+        journal_.record("dictionary " + path);
+        const auto found = dictionaries.find(path);
+        return found == dictionaries.end() ? std::nullopt : std::optional(found->second);
+    }
+
+    /// By path.
+    std::map<std::string, StringEntries> dictionaries;
+
+private:
     Journal& journal_;
 };
 

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "platform/PropertyList.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileContents.h"
 
@@ -123,19 +122,6 @@ std::optional<Trouble> copyFile(SystemCalls& calls, const std::string& from, con
 }
 
 }  // namespace
-
-std::optional<StringEntries> PosixFiles::dictionaryWithContentsOfFile(const std::string& path) {
-    const auto contents = contentsOfFile(calls_, path, largestPropertyList);
-    const auto list = contents ? PropertyList::parse(*contents) : std::nullopt;
-    if (!list) return std::nullopt;
-
-    StringEntries strings;
-    for (const auto& key : list->keys()) {
-        const PreferenceValue value = list->value(key);
-        if (const auto* text = std::get_if<std::string>(&value)) strings.emplace(key, *text);
-    }
-    return strings;
-}
 
 bool PosixFiles::fileExistsAtPath(const std::string& path) {
     // A version record can hold any text, which becomes part of a path; the system would read it up to its first zero.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "platform/Files.h"
@@ -16,9 +15,6 @@ namespace vantrel::posix {
 class PosixFiles : public Files {
 public:
     explicit PosixFiles(SystemCalls& calls = SystemCalls::real()) : calls_(calls) {}
-
-    /// Takes an XML or a binary property list of up to 16 MiB.
-    std::optional<StringEntries> dictionaryWithContentsOfFile(const std::string& path) override;
 
     /// Follows links, as on macOS: a link that leads nowhere doesn't exist, nor does what may not be looked at.
     bool fileExistsAtPath(const std::string& path) override;

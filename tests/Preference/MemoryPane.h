@@ -53,6 +53,7 @@ struct MemoryPane {
     MemoryMetadataDictionaryClass overrides{journal};
     MemoryProcessors processors;
     MemoryFiles files{journal};
+    MemoryPropertyLists propertyLists{journal};
     MemoryAlerts alerts{journal};
     MemoryLog log{journal};
     MemoryNotifications notifications{journal};
@@ -91,7 +92,7 @@ struct MemoryPane {
                                        appID,
                                        LUTsPathString,
                                        overridePathString},
-                     Services{preferences, overrides, processors, files, alerts, log, notifications}};
+                     Services{preferences, overrides, processors, files, propertyLists, alerts, log, notifications}};
 
     /// What reads find in the codec's domain. A test fills it before the set-up or looks into it after an action.
     MemoryPreferences::Domain& domain() { return preferences.domain("com.vantrel.codec"); }

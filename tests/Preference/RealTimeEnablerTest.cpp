@@ -33,7 +33,7 @@ TEST(RealTimeEnabler, AMissingKeyIsShownOffAndWrittenFalseWithoutASynchronise) {
 
 TEST(RealTimeEnabler, AClickSwapsTheFilesAndIsRemembered) {
     ValidPane it;
-    it.files.dictionaries[std::string(enablerPaths::versionRecord)] = {{"CFBundleVersion", "7.0.3"}};
+    it.propertyLists.dictionaries[std::string(enablerPaths::versionRecord)] = {{"CFBundleVersion", "7.0.3"}};
     it.files.contents = {{enablerPaths::versionEnabler("703"), "ours"}, {std::string(enablerPaths::active), "Apple's"}};
     it.domain().erase("fcpRTEnableSwap");
     it.load();

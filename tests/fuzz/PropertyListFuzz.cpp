@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/PropertyList.h"
+#include "platform/gnustep/PropertyList.h"
 
 /// Whatever the bytes are: reading them ends, and a list once read comes out of its own file as it was.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "host/EnablerSwitch.h"
+#include "platform/gnustep/GNUstepPropertyLists.h"
 #include "platform/memory/MemoryControls.h"
 #include "platform/memory/MemoryPreferences.h"
 #include "platform/memory/MemorySystem.h"
@@ -151,7 +152,8 @@ struct Switch {
     SettingsStore store{preferences, appID};
     posix::FaultySystemCalls calls;
     posix::PosixFiles files{calls};
-    EnablerSwitch enablerSwitch{files, alerts, log, store};
+    gnustep::GNUstepPropertyLists propertyLists{calls};
+    EnablerSwitch enablerSwitch{files, propertyLists, alerts, log, store};
 };
 
 /// What a click can come to.

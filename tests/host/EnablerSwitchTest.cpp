@@ -38,7 +38,7 @@ std::ostream& operator<<(std::ostream& out, Folder folder) {
 struct EnablerSwitchTest : testing::Test {
     EnablerSwitchTest() {
         appID.set("com.vantrel.codec");
-        files.dictionaries[record] = {{"CFBundleVersion", "7.0.3"}, {"CFBundleShortVersionString", "10.1"}};
+        propertyLists.dictionaries[record] = {{"CFBundleVersion", "7.0.3"}, {"CFBundleShortVersionString", "10.1"}};
         files.contents[ours703] = "ours";
         enter(Folder::inactive);
     }
@@ -96,12 +96,13 @@ struct EnablerSwitchTest : testing::Test {
     Journal journal;
     MemoryPreferences preferences{journal};
     MemoryFiles files{journal};
+    MemoryPropertyLists propertyLists{journal};
     MemoryAlerts alerts{journal};
     MemoryLog log{journal};
     MemoryString appID;
     SettingsStore store{preferences, appID};
     MemoryCheckBox box{journal, "box"};
-    EnablerSwitch enabler{files, alerts, log, store};
+    EnablerSwitch enabler{files, propertyLists, alerts, log, store};
 };
 
 // Finding Final Cut Pro and the enabler for its version
@@ -124,8 +125,8 @@ struct EnablerRefusal : EnablerSwitchTest, testing::WithParamInterface<Refusal> 
 
 /// Whichever way the box is clicked, and whatever the key and the folder hold.
 TEST_P(EnablerRefusal, GoesOffTouchesNoFileAndWritesNoKey) {
-    files.dictionaries.erase(record);
-    if (GetParam().versionRecord) files.dictionaries[record] = *GetParam().versionRecord;
+    propertyLists.dictionaries.erase(record);
+    if (GetParam().versionRecord) propertyLists.dictionaries[record] = *GetParam().versionRecord;
     Lines expected = GetParam().events;
     expected.emplace_back("box setState 0");
 
@@ -198,7 +199,7 @@ struct EnablerVersion : EnablerSwitchTest, testing::WithParamInterface<VersionTa
 TEST_P(EnablerVersion, FindsTheEnablerThatTheTagNames) {
     const std::string enablerPath =
         "/Library/Application Support/Vantrel/PLugins/RT Software Enabler" + GetParam().tag + ".txt";
-    files.dictionaries[record] = {{"CFBundleVersion", GetParam().version}};
+    propertyLists.dictionaries[record] = {{"CFBundleVersion", GetParam().version}};
     files.contents = {{active, "Apple's"}, {enablerPath, "ours"}};
     click(onState);
     EXPECT_THAT(events(), ElementsAre("dictionary RECORD", "exists " + enablerPath, "move ACTIVE -> BACKUP",

@@ -33,7 +33,7 @@ protected:
     std::string record() const { return folder.read(recordName); }
 
     std::optional<std::int32_t> stored(const char* key) {
-        const auto list = PropertyList::parse(record());
+        const auto list = gnustep::PropertyList::parse(record());
         return list ? list->intValue(key) : std::nullopt;
     }
 
@@ -122,12 +122,12 @@ TEST_F(OverrideRecordOnDisk, EntriesOfEveryTypeUnderOtherKeysSurviveAnyNumberOfW
         "<key>text</key><string>&lt;&amp;&#13; \xE6\xBC\xA2</string>"
         "<key>unsigned</key><integer>18446744073709551615</integer>";
     writeRecord(listOf(others + "<key>CLSF</key><integer>0</integer>"));
-    const auto before = PropertyList::parse(record());
+    const auto before = gnustep::PropertyList::parse(record());
     for (std::int32_t round = 0; round < 3; ++round) {
         EXPECT_TRUE(edit(round % 2, "CLSF"));
         EXPECT_TRUE(add(round, "CPUM"));
     }
-    const auto after = PropertyList::parse(record());
+    const auto after = gnustep::PropertyList::parse(record());
     ASSERT_TRUE(before && after);
     for (const auto& key : before->keys()) {
         if (key == "CLSF") continue;

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 
 /// Whether `bytes` starts like a binary property list.
 bool isBinaryPropertyList(std::string_view bytes);
@@ -15,4 +15,4 @@ bool isBinaryPropertyList(std::string_view bytes);
 /// A date's fraction of a second is lost, for XML property lists know none.
 std::optional<std::string> xmlFromBinaryPropertyList(std::string_view bytes);
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

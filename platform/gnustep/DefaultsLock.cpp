@@ -1,4 +1,4 @@
-#include "platform/posix/DefaultsLock.h"
+#include "platform/gnustep/DefaultsLock.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -6,7 +6,7 @@
 
 #include "platform/posix/Folders.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 constexpr double oldAge = 20;       // seconds, as GNUstep has it
@@ -21,7 +21,7 @@ double seconds(const struct timespec& time) {
 
 }  // namespace
 
-DefaultsLock::DefaultsLock(SystemCalls& calls, std::string folder)
+DefaultsLock::DefaultsLock(posix::SystemCalls& calls, std::string folder)
     : calls_(calls), folder_(std::move(folder)), path_(folder_ + "/.lck/.GNUstepDefaults.lck") {}
 
 DefaultsLock::~DefaultsLock() {
@@ -40,7 +40,7 @@ bool DefaultsLock::take() {
     while (calls_.mkdir(path_.c_str(), 0755) != 0) {
         if (errno == ENOENT && !madeFolders) {
             madeFolders = true;
-            if (makeFolders(calls_, folder_ + "/.lck") != 0) return false;
+            if (posix::makeFolders(calls_, folder_ + "/.lck") != 0) return false;
             continue;
         }
         if (errno != EEXIST) return false;
@@ -90,4 +90,4 @@ bool DefaultsLock::isSame(const Identity& one, const Identity& other) {
            one.made.tv_nsec == other.made.tv_nsec;
 }
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -1,4 +1,4 @@
-#include "platform/posix/DomainFile.h"
+#include "platform/gnustep/DomainFile.h"
 
 #include <algorithm>
 #include <array>
@@ -7,9 +7,9 @@
 #include <optional>
 #include <utility>
 
-#include "platform/posix/DefaultsLock.h"
+#include "platform/gnustep/DefaultsLock.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 /// As many files of one name kept aside within one second are enough.
@@ -25,7 +25,7 @@ std::string universalTime(const struct timespec& time) {
 
 }  // namespace
 
-DomainFile::DomainFile(SystemCalls& calls, Log& log, std::string folder, std::string_view name)
+DomainFile::DomainFile(posix::SystemCalls& calls, Log& log, std::string folder, std::string_view name)
     : calls_(calls),
       log_(log),
       folder_(std::move(folder)),
@@ -60,7 +60,7 @@ bool DomainFile::synchronize() {
 
     PropertyList list;
     std::string bytes;
-    std::optional<FileReplacement> replacement;
+    std::optional<posix::FileReplacement> replacement;
     const auto prepare = [&] {
         list = file_.list();
         for (const auto& key : pending_.keys()) list.copyEntry(key, pending_);
@@ -118,4 +118,4 @@ bool DomainFile::keepAside(const std::string& path) {
     return false;
 }
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

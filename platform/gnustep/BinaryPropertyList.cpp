@@ -1,4 +1,4 @@
-#include "platform/posix/BinaryPropertyList.h"
+#include "platform/gnustep/BinaryPropertyList.h"
 
 #include <locale.h>
 #include <plist/plist.h>
@@ -9,11 +9,11 @@
 #include <memory>
 #include <vector>
 
-#include "platform/PropertyList.h"
-#include "platform/posix/PropertyListText.h"
-#include "platform/posix/XMLPropertyList.h"
+#include "platform/gnustep/PropertyList.h"
+#include "platform/gnustep/PropertyListText.h"
+#include "platform/gnustep/XMLPropertyList.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 constexpr std::string_view magic = "bplist00";
@@ -217,4 +217,4 @@ std::optional<std::string> xmlFromBinaryPropertyList(std::string_view bytes) {
     return corrected(withEscapes({written, length}));
 }
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -5,12 +5,12 @@
 
 #include "platform/Log.h"
 #include "platform/Preferences.h"
-#include "platform/PropertyList.h"
-#include "platform/posix/CachedPropertyList.h"
+#include "platform/gnustep/CachedPropertyList.h"
+#include "platform/gnustep/PropertyList.h"
 #include "platform/posix/ReplaceFile.h"
 #include "platform/posix/SystemCalls.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 
 /// One domain: its file in the defaults folder, which other processes read and write as well, and the values set here
 /// that haven't reached it yet.
@@ -18,7 +18,7 @@ class DomainFile {
 public:
     /// `folder` is the defaults folder, an absolute path; `name` the domain's, which is its file's name without the
     /// extension.
-    DomainFile(SystemCalls& calls, Log& log, std::string folder, std::string_view name);
+    DomainFile(posix::SystemCalls& calls, Log& log, std::string folder, std::string_view name);
 
     /// The value set here and not yet synchronised, or else what the file holds now.
     PreferenceValue value(std::string_view key);
@@ -38,7 +38,7 @@ private:
     /// Renames a damaged file to a free name beside it and logs that.
     bool keepAside(const std::string& path);
 
-    SystemCalls& calls_;
+    posix::SystemCalls& calls_;
     Log& log_;
     std::string folder_;
     std::string path_;
@@ -49,4 +49,4 @@ private:
     bool mustReplaceAgain_ = false;
 };
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -1,4 +1,4 @@
-#include "platform/posix/PropertyListText.h"
+#include "platform/gnustep/PropertyListText.h"
 
 #include <libxml/chvalid.h>
 #include <libxml/entities.h>
@@ -11,9 +11,9 @@
 #include <memory>
 #include <optional>
 
-#include "platform/posix/XMLCharacters.h"
+#include "platform/gnustep/XMLCharacters.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
@@ -135,4 +135,4 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(start, text.find_last_not_of(whiteSpace) - start + 1);
 }
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "platform/PropertyList.h"
+#include "platform/gnustep/PropertyList.h"
 #include "platform/posix/SystemCalls.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 
 /// A property list file as it is now, at the cost of one `stat` while nothing changes it.
 class CachedPropertyList {
@@ -20,7 +20,7 @@ public:
         readable
     };
 
-    CachedPropertyList(SystemCalls& calls, std::string path);
+    CachedPropertyList(posix::SystemCalls& calls, std::string path);
 
     /// Looks at the file.
     State refresh();
@@ -38,7 +38,7 @@ private:
     State read();
     void keep(State state, PropertyList list, std::string bytes);
 
-    SystemCalls& calls_;
+    posix::SystemCalls& calls_;
     std::string path_;
     State state_ = State::missing;
     PropertyList list_;
@@ -50,4 +50,4 @@ private:
     bool isSettled_ = false;
 };
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

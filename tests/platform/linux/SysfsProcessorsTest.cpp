@@ -6,16 +6,16 @@
 #include <memory>
 #include <set>
 
-#include "platform/posix/SysfsProcessors.h"
+#include "platform/linux/SysfsProcessors.h"
 #include "tests/platform/posix/FaultySystemCalls.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
-namespace vantrel::posix {
+namespace vantrel::linux {
 namespace {
 
 /// A folder like /sys/devices/system/cpu.
 struct ProcessorTree : testing::Test {
-    TemporaryFolder root;
+    posix::TemporaryFolder root;
 
     void online(const std::string& list) { root.write("online", list); }
 
@@ -108,7 +108,7 @@ TEST_F(SysfsProcessorsTest, AFolderThatDoesNotExistTellsNothing) {
 TEST_F(SysfsProcessorsTest, AnUnreadableListTellsNothing) {
     online("0\n");
     processor(0, "0\n", "0\n");
-    FaultySystemCalls calls;
+    posix::FaultySystemCalls calls;
     calls.fail("read", EIO);
     EXPECT_EQ(SysfsProcessors(root.path, calls).physicalCPUCount(), 0);
 }
@@ -117,7 +117,7 @@ TEST_F(SysfsProcessorsTest, AnUnreadableTopologyTellsNothing) {
     online("0\n");
     processor(0, "0\n", "0\n");
     for (const int nth : {2, 3}) {
-        FaultySystemCalls calls;
+        posix::FaultySystemCalls calls;
         calls.failNth("open", nth, EACCES);
         EXPECT_EQ(SysfsProcessors(root.path, calls).physicalCPUCount(), 0) << "open number " << nth;
     }
@@ -166,4 +166,4 @@ TEST(SysfsProcessorsOfThisMachine, AreAsManyAsLscpuLists) {
 }
 
 }  // namespace
-}  // namespace vantrel::posix
+}  // namespace vantrel::linux

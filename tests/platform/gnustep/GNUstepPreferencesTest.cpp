@@ -9,14 +9,14 @@
 #include <limits>
 #include <string>
 
-#include "platform/PropertyList.h"
+#include "platform/gnustep/GNUstepPreferences.h"
+#include "platform/gnustep/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
-#include "platform/posix/PosixPreferences.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 using testing::AllOf;
@@ -52,10 +52,10 @@ std::string inWords(const PreferenceValue& value) {
 }
 
 /// A defaults folder, preferences of this process on it, and those of another process.
-struct PosixPreferencesTest : testing::Test {
+struct GNUstepPreferencesTest : testing::Test {
     std::string read(std::string_view key) { return inWords(preferences.copyAppValue(key, appID)); }
     std::string readByAnother(std::string_view key) {
-        PosixPreferences others(folder.path, log);
+        GNUstepPreferences others(folder.path, log);
         return inWords(others.copyAppValue(key, appID));
     }
     void write(std::string_view key, const NewPreferenceValue& value) { preferences.setAppValue(key, value, appID); }
@@ -71,23 +71,23 @@ struct PosixPreferencesTest : testing::Test {
     /// Lets the file's times become old enough to be relied on.
     void settle() { calls.pass(3600); }
 
-    TemporaryFolder folder;
+    posix::TemporaryFolder folder;
     memory::Journal journal;
     memory::MemoryLog log{journal};
-    SystemCallsWithOwnClock calls;
-    PosixPreferences preferences{folder.path, log, calls};
+    posix::SystemCallsWithOwnClock calls;
+    GNUstepPreferences preferences{folder.path, log, calls};
 };
 
 // Values
 
-using PosixPreferencesValues = PosixPreferencesTest;
+using GNUstepPreferencesValues = GNUstepPreferencesTest;
 
-TEST_F(PosixPreferencesValues, WithoutAFileEverythingIsAbsent) {
+TEST_F(GNUstepPreferencesValues, WithoutAFileEverythingIsAbsent) {
     EXPECT_EQ(read("look"), "absent");
     EXPECT_THAT(folder.names(), IsEmpty());
 }
 
-TEST_F(PosixPreferencesValues, EachTypeIsToldApart) {
+TEST_F(GNUstepPreferencesValues, EachTypeIsToldApart) {
     writeFile(
         "<key>flag</key><true/><key>number</key><integer>1</integer><key>text</key><string>1</string>"
         "<key>data</key><data>AA==</data><key>fraction</key><real>1.5</real>");
@@ -99,7 +99,7 @@ TEST_F(PosixPreferencesValues, EachTypeIsToldApart) {
     EXPECT_EQ(read("nothing"), "absent");
 }
 
-TEST_F(PosixPreferencesValues, EachTypeIsWrittenAndReadBackByAnotherProcess) {
+TEST_F(GNUstepPreferencesValues, EachTypeIsWrittenAndReadBackByAnotherProcess) {
     const auto most = std::numeric_limits<long>::max();
     write("flag", true);
     write("number", -7L);
@@ -112,14 +112,14 @@ TEST_F(PosixPreferencesValues, EachTypeIsWrittenAndReadBackByAnotherProcess) {
     EXPECT_EQ(readByAnother("text"), "\"/a \\U0041 <😀>\r\"");
 }
 
-TEST_F(PosixPreferencesValues, AOneUnderAFlagIsReallyReplacedByTrue) {
+TEST_F(GNUstepPreferencesValues, AOneUnderAFlagIsReallyReplacedByTrue) {
     writeFile("\t<key>look</key>\n\t<integer>1</integer>\n");
     write("look", true);
     ASSERT_TRUE(synchronize());
     EXPECT_EQ(folder.read(fileName), listOf("\t<key>look</key>\n\t<true/>\n"));
 }
 
-TEST_F(PosixPreferencesValues, AKeyTheApplicationLacksIsLookedUpForAllApplications) {
+TEST_F(GNUstepPreferencesValues, AKeyTheApplicationLacksIsLookedUpForAllApplications) {
     writeFile("<key>own</key><integer>1</integer>");
     folder.write("NSGlobalDomain.plist",
                  listOf("<key>own</key><integer>2</integer><key>shared</key><string>s</string>"));
@@ -127,13 +127,13 @@ TEST_F(PosixPreferencesValues, AKeyTheApplicationLacksIsLookedUpForAllApplicatio
     EXPECT_EQ(read("shared"), "\"s\"");
 }
 
-TEST_F(PosixPreferencesValues, AnotherTypeInTheApplicationsDomainHidesTheOneForAll) {
+TEST_F(GNUstepPreferencesValues, AnotherTypeInTheApplicationsDomainHidesTheOneForAll) {
     writeFile("<key>look</key><data></data>");
     folder.write("NSGlobalDomain.plist", listOf("<key>look</key><true/>"));
     EXPECT_EQ(read("look"), "other");
 }
 
-TEST_F(PosixPreferencesValues, AWriteGoesToTheApplicationsDomain) {
+TEST_F(GNUstepPreferencesValues, AWriteGoesToTheApplicationsDomain) {
     folder.write("NSGlobalDomain.plist", listOf("<key>look</key><true/>"));
     write("look", false);
     ASSERT_TRUE(synchronize());
@@ -141,7 +141,7 @@ TEST_F(PosixPreferencesValues, AWriteGoesToTheApplicationsDomain) {
     EXPECT_EQ(folder.read("NSGlobalDomain.plist"), listOf("<key>look</key><true/>"));
 }
 
-TEST_F(PosixPreferencesValues, ApplicationsDontSeeEachOther) {
+TEST_F(GNUstepPreferencesValues, ApplicationsDontSeeEachOther) {
     write("look", true);
     preferences.setAppValue("look", false, "com.vantrel.other");
     ASSERT_TRUE(synchronize());
@@ -150,7 +150,7 @@ TEST_F(PosixPreferencesValues, ApplicationsDontSeeEachOther) {
     EXPECT_EQ(read("look"), "true");
 }
 
-TEST_F(PosixPreferencesValues, ABinaryFileIsRead) {
+TEST_F(GNUstepPreferencesValues, ABinaryFileIsRead) {
     using namespace std::string_literals;
     folder.write(fileName, "bplist00\xD1\x01\x02Tlook\x09\x08\x0B\x10"s + "\0\0\0\0\0\0\x01\x01"s +
                                "\0\0\0\0\0\0\0\x03"s + "\0\0\0\0\0\0\0\0"s + "\0\0\0\0\0\0\0\x11"s);
@@ -162,10 +162,10 @@ TEST_F(PosixPreferencesValues, ABinaryFileIsRead) {
 
 // Fresh reads
 
-using PosixPreferencesReads = PosixPreferencesTest;
+using GNUstepPreferencesReads = GNUstepPreferencesTest;
 
-TEST_F(PosixPreferencesReads, WhatAnotherProcessWroteIsSeen) {
-    PosixPreferences others(folder.path, log);
+TEST_F(GNUstepPreferencesReads, WhatAnotherProcessWroteIsSeen) {
+    GNUstepPreferences others(folder.path, log);
     for (long round = 0; round < 20; ++round) {
         others.setAppValue("round", round, appID);
         ASSERT_TRUE(others.synchronize(appID));
@@ -174,12 +174,14 @@ TEST_F(PosixPreferencesReads, WhatAnotherProcessWroteIsSeen) {
 }
 
 /// A file system that tells the same times of every file, and the time it is now.
-struct SameTimes : SystemCalls {
+struct SameTimes : posix::SystemCalls {
     SameTimes(struct timespec ofFiles, struct timespec ofClock) : ofFiles_(ofFiles), ofClock_(ofClock) {}
 
-    int stat(const char* path, struct stat* status) override { return tell(SystemCalls::stat(path, status), status); }
+    int stat(const char* path, struct stat* status) override {
+        return tell(posix::SystemCalls::stat(path, status), status);
+    }
     int fstat(int descriptor, struct stat* status) override {
-        return tell(SystemCalls::fstat(descriptor, status), status);
+        return tell(posix::SystemCalls::fstat(descriptor, status), status);
     }
     int clockGettime(clockid_t, struct timespec* time) override {
         *time = ofClock_;
@@ -196,25 +198,25 @@ private:
     struct timespec ofClock_;
 };
 
-TEST_F(PosixPreferencesReads, AFileRewrittenInPlaceWithinOneTickOfTheClockIsSeen) {
+TEST_F(GNUstepPreferencesReads, AFileRewrittenInPlaceWithinOneTickOfTheClockIsSeen) {
     SameTimes tenMilliseconds({1'700'000'000, 500'000'000}, {1'700'000'000, 510'000'000});
-    PosixPreferences ours(folder.path, log, tenMilliseconds);
+    GNUstepPreferences ours(folder.path, log, tenMilliseconds);
     writeFile("<key>look</key><integer>1</integer>");
     EXPECT_EQ(inWords(ours.copyAppValue("look", appID)), "1");
     writeFile("<key>look</key><integer>2</integer>");
     EXPECT_EQ(inWords(ours.copyAppValue("look", appID)), "2");
 }
 
-TEST_F(PosixPreferencesReads, AFileWhoseTimesAreWholeSecondsIsNotReliedOnForTwoOfThem) {
+TEST_F(GNUstepPreferencesReads, AFileWhoseTimesAreWholeSecondsIsNotReliedOnForTwoOfThem) {
     SameTimes twoSeconds({1'700'000'000, 0}, {1'700'000'002, 0});
-    PosixPreferences ours(folder.path, log, twoSeconds);
+    GNUstepPreferences ours(folder.path, log, twoSeconds);
     writeFile("<key>look</key><integer>1</integer>");
     EXPECT_EQ(inWords(ours.copyAppValue("look", appID)), "1");
     writeFile("<key>look</key><integer>2</integer>");
     EXPECT_EQ(inWords(ours.copyAppValue("look", appID)), "2");
 }
 
-TEST_F(PosixPreferencesReads, AFileThatDidNotChangeCostsOneLookAtIt) {
+TEST_F(GNUstepPreferencesReads, AFileThatDidNotChangeCostsOneLookAtIt) {
     writeFile("<key>look</key><true/>");
     settle();
     ASSERT_EQ(read("look"), "true");
@@ -224,7 +226,7 @@ TEST_F(PosixPreferencesReads, AFileThatDidNotChangeCostsOneLookAtIt) {
     EXPECT_EQ(calls.made().back(), "stat");
 }
 
-TEST_F(PosixPreferencesReads, AfterAWriteOfItsOwnTheFileIsReadAtMostOnceMore) {
+TEST_F(GNUstepPreferencesReads, AfterAWriteOfItsOwnTheFileIsReadAtMostOnceMore) {
     write("look", true);
     ASSERT_TRUE(synchronize());
     settle();
@@ -233,7 +235,7 @@ TEST_F(PosixPreferencesReads, AfterAWriteOfItsOwnTheFileIsReadAtMostOnceMore) {
     EXPECT_LE(calls.count("open"), opened + 1);
 }
 
-TEST_F(PosixPreferencesReads, AFileThatVanishesIsAbsentAndOneThatComesIsSeen) {
+TEST_F(GNUstepPreferencesReads, AFileThatVanishesIsAbsentAndOneThatComesIsSeen) {
     writeFile("<key>look</key><true/>");
     settle();
     ASSERT_EQ(read("look"), "true");
@@ -243,7 +245,7 @@ TEST_F(PosixPreferencesReads, AFileThatVanishesIsAbsentAndOneThatComesIsSeen) {
     EXPECT_EQ(read("look"), "false");
 }
 
-TEST_F(PosixPreferencesReads, AFolderOrAPipeInItsPlaceReadsAsEmptyAndStays) {
+TEST_F(GNUstepPreferencesReads, AFolderOrAPipeInItsPlaceReadsAsEmptyAndStays) {
     ASSERT_EQ(mkfifo((folder / fileName).c_str(), 0600), 0);
     EXPECT_EQ(read("look"), "absent");
     write("look", true);
@@ -260,9 +262,9 @@ TEST_F(PosixPreferencesReads, AFolderOrAPipeInItsPlaceReadsAsEmptyAndStays) {
 
 // Writes
 
-using PosixPreferencesWrites = PosixPreferencesTest;
+using GNUstepPreferencesWrites = GNUstepPreferencesTest;
 
-TEST_F(PosixPreferencesWrites, AWriteIsSeenHereAtOnceAndByOthersFromTheNextSynchroniseOn) {
+TEST_F(GNUstepPreferencesWrites, AWriteIsSeenHereAtOnceAndByOthersFromTheNextSynchroniseOn) {
     write("look", true);
     EXPECT_EQ(read("look"), "true");
     EXPECT_EQ(readByAnother("look"), "absent");
@@ -271,7 +273,7 @@ TEST_F(PosixPreferencesWrites, AWriteIsSeenHereAtOnceAndByOthersFromTheNextSynch
     EXPECT_EQ(readByAnother("look"), "true");
 }
 
-TEST_F(PosixPreferencesWrites, OfTwoWritesUnderAKeyTheLaterCounts) {
+TEST_F(GNUstepPreferencesWrites, OfTwoWritesUnderAKeyTheLaterCounts) {
     write("look", true);
     write("look", std::string("b"));
     EXPECT_EQ(read("look"), "\"b\"");
@@ -279,7 +281,7 @@ TEST_F(PosixPreferencesWrites, OfTwoWritesUnderAKeyTheLaterCounts) {
     EXPECT_EQ(readByAnother("look"), "\"b\"");
 }
 
-TEST_F(PosixPreferencesWrites, AfterTheSynchroniseAnotherProcessHasTheLastWord) {
+TEST_F(GNUstepPreferencesWrites, AfterTheSynchroniseAnotherProcessHasTheLastWord) {
     write("look", true);
     ASSERT_TRUE(synchronize());
     writeFile("<key>look</key><false/>");
@@ -288,7 +290,7 @@ TEST_F(PosixPreferencesWrites, AfterTheSynchroniseAnotherProcessHasTheLastWord) 
     EXPECT_EQ(readByAnother("look"), "false");
 }
 
-TEST_F(PosixPreferencesWrites, OtherKeysStayLetterForLetter) {
+TEST_F(GNUstepPreferencesWrites, OtherKeysStayLetterForLetter) {
     const std::string others =
         "\t<key>array</key>\n\t<array>\n\t\t<real>1.50</real>\n\t\t<dict><key>a</key><false/></dict>\n\t</array>\n"
         "\t<key>data</key>\n\t<data>\n\tAAECAw==\n\t</data>\n"
@@ -301,7 +303,7 @@ TEST_F(PosixPreferencesWrites, OtherKeysStayLetterForLetter) {
     EXPECT_EQ(folder.read(fileName), listOf(others + "\t<key>x</key>\n\t<integer>1</integer>\n"));
 }
 
-TEST_F(PosixPreferencesWrites, KeysThatAnotherProcessWroteMeanwhileStay) {
+TEST_F(GNUstepPreferencesWrites, KeysThatAnotherProcessWroteMeanwhileStay) {
     writeFile("<key>theirs</key><integer>1</integer>");
     ASSERT_EQ(read("theirs"), "1");
     write("ours", true);
@@ -312,7 +314,7 @@ TEST_F(PosixPreferencesWrites, KeysThatAnotherProcessWroteMeanwhileStay) {
     EXPECT_EQ(readByAnother("ours"), "true");
 }
 
-TEST_F(PosixPreferencesWrites, WhatAnotherProcessWritesWhileTheLockIsWaitedForStays) {
+TEST_F(GNUstepPreferencesWrites, WhatAnotherProcessWritesWhileTheLockIsWaitedForStays) {
     write("ours", true);
     folder.makeFolder(".lck/.GNUstepDefaults.lck");
     calls.before = [this](const std::string& name) {
@@ -326,7 +328,7 @@ TEST_F(PosixPreferencesWrites, WhatAnotherProcessWritesWhileTheLockIsWaitedForSt
     EXPECT_EQ(readByAnother("ours"), "true");
 }
 
-TEST_F(PosixPreferencesWrites, TheLockIsHeldFromTheLastLookAtTheFileToItsRenaming) {
+TEST_F(GNUstepPreferencesWrites, TheLockIsHeldFromTheLastLookAtTheFileToItsRenaming) {
     writeFile("<key>look</key><false/>");
     write("look", true);
     std::vector<std::string> order;
@@ -341,7 +343,7 @@ TEST_F(PosixPreferencesWrites, TheLockIsHeldFromTheLastLookAtTheFileToItsRenamin
     EXPECT_FALSE(std::filesystem::exists(folder / ".lck/.GNUstepDefaults.lck"));
 }
 
-TEST_F(PosixPreferencesWrites, WhatAnotherProcessWritesWhileTheNewFileGoesToTheDiskStays) {
+TEST_F(GNUstepPreferencesWrites, WhatAnotherProcessWritesWhileTheNewFileGoesToTheDiskStays) {
     write("ours", true);
     calls.before = [this](const std::string& name) {
         if (name != "fsync") return;
@@ -354,7 +356,7 @@ TEST_F(PosixPreferencesWrites, WhatAnotherProcessWritesWhileTheNewFileGoesToTheD
     EXPECT_THAT(folder.names(), UnorderedElementsAre(".lck", fileName));
 }
 
-TEST_F(PosixPreferencesWrites, NothingIsWrittenWhenAnotherProcessWroteTheSameMeanwhile) {
+TEST_F(GNUstepPreferencesWrites, NothingIsWrittenWhenAnotherProcessWroteTheSameMeanwhile) {
     write("look", true);
     calls.before = [this](const std::string& name) {
         if (name != "fsync") return;
@@ -366,7 +368,7 @@ TEST_F(PosixPreferencesWrites, NothingIsWrittenWhenAnotherProcessWroteTheSameMea
     EXPECT_THAT(folder.names(), UnorderedElementsAre(".lck", fileName));
 }
 
-TEST_F(PosixPreferencesWrites, NothingIsWrittenWhenNothingChanged) {
+TEST_F(GNUstepPreferencesWrites, NothingIsWrittenWhenNothingChanged) {
     writeFile("<key>look</key><true></true><key>n</key><integer>0x10</integer><key>t</key><string>&#97;</string>");
     const auto before = fileStatus();
     write("look", true);
@@ -381,7 +383,7 @@ TEST_F(PosixPreferencesWrites, NothingIsWrittenWhenNothingChanged) {
     EXPECT_EQ(calls.count("mkdir"), 0);
 }
 
-TEST_F(PosixPreferencesWrites, TheFileIsItsUsersAlone) {
+TEST_F(GNUstepPreferencesWrites, TheFileIsItsUsersAlone) {
     writeFile("");
     ASSERT_EQ(chmod((folder / fileName).c_str(), 0644), 0);
     write("look", true);
@@ -389,14 +391,14 @@ TEST_F(PosixPreferencesWrites, TheFileIsItsUsersAlone) {
     EXPECT_EQ(fileStatus().st_mode & 07777, 0600U);
 }
 
-TEST_F(PosixPreferencesWrites, AMissingFolderIsMade) {
-    PosixPreferences deep(folder / "GNUstep/Defaults", log, calls);
+TEST_F(GNUstepPreferencesWrites, AMissingFolderIsMade) {
+    GNUstepPreferences deep(folder / "GNUstep/Defaults", log, calls);
     deep.setAppValue("look", true, appID);
     EXPECT_TRUE(deep.synchronize(appID));
     EXPECT_EQ(folder.read("GNUstep/Defaults/" + fileName), listOf("\t<key>look</key>\n\t<true/>\n"));
 }
 
-TEST_F(PosixPreferencesWrites, AFileBehindALinkIsReplacedThroughIt) {
+TEST_F(GNUstepPreferencesWrites, AFileBehindALinkIsReplacedThroughIt) {
     folder.makeFolder("dotfiles");
     folder.write("dotfiles/codec", listOf("<key>theirs</key><true/>"));
     ASSERT_EQ(symlink("dotfiles/codec", (folder / fileName).c_str()), 0);
@@ -408,10 +410,10 @@ TEST_F(PosixPreferencesWrites, AFileBehindALinkIsReplacedThroughIt) {
     EXPECT_EQ(readByAnother("look"), "true");
 }
 
-TEST_F(PosixPreferencesWrites, TwoProcessesThatWriteAllTheTimeLoseNothing) {
+TEST_F(GNUstepPreferencesWrites, TwoProcessesThatWriteAllTheTimeLoseNothing) {
     constexpr long rounds = 150;
     const auto writeRounds = [this](const std::string& prefix) {
-        PosixPreferences own(folder.path, log);
+        GNUstepPreferences own(folder.path, log);
         bool isFine = true;
         for (long round = 0; round < rounds; ++round) {
             own.setAppValue(prefix + std::to_string(round), round, appID);
@@ -434,8 +436,8 @@ TEST_F(PosixPreferencesWrites, TwoProcessesThatWriteAllTheTimeLoseNothing) {
 
 // A file that is no property list
 
-struct PosixPreferencesDamage : PosixPreferencesTest {
-    PosixPreferencesDamage() { folder.write(fileName, damage); }
+struct GNUstepPreferencesDamage : GNUstepPreferencesTest {
+    GNUstepPreferencesDamage() { folder.write(fileName, damage); }
 
     /// The names of what was kept aside.
     std::vector<std::string> kept() const {
@@ -447,14 +449,14 @@ struct PosixPreferencesDamage : PosixPreferencesTest {
     }
 };
 
-TEST_F(PosixPreferencesDamage, ItReadsAsEmptyAndStaysUntilTheNextWrite) {
+TEST_F(GNUstepPreferencesDamage, ItReadsAsEmptyAndStaysUntilTheNextWrite) {
     EXPECT_EQ(read("look"), "absent");
     EXPECT_TRUE(synchronize());
     EXPECT_EQ(folder.read(fileName), damage);
     EXPECT_THAT(journal.lines(), IsEmpty());
 }
 
-TEST_F(PosixPreferencesDamage, TheNextWriteKeepsItBesideItselfAndSaysSoOnce) {
+TEST_F(GNUstepPreferencesDamage, TheNextWriteKeepsItBesideItselfAndSaysSoOnce) {
     write("look", true);
     ASSERT_TRUE(synchronize());
     EXPECT_EQ(folder.read(fileName), listOf("\t<key>look</key>\n\t<true/>\n"));
@@ -468,15 +470,15 @@ TEST_F(PosixPreferencesDamage, TheNextWriteKeepsItBesideItselfAndSaysSoOnce) {
     EXPECT_THAT(journal.lines(), SizeIs(1));
 }
 
-TEST_F(PosixPreferencesDamage, TheNameTellsTheTime) {
+TEST_F(GNUstepPreferencesDamage, TheNameTellsTheTime) {
     /// A clock that stands still.
-    struct Stopped : SystemCalls {
+    struct Stopped : posix::SystemCalls {
         int clockGettime(clockid_t, struct timespec* time) override {
             *time = {1'709'251'199, 0};
             return 0;
         }
     } stopped;
-    PosixPreferences ours(folder.path, log, stopped);
+    GNUstepPreferences ours(folder.path, log, stopped);
     ours.setAppValue("look", true, appID);
     ASSERT_TRUE(ours.synchronize(appID));
     ASSERT_THAT(kept(), ElementsAre(fileName + ".unreadable-20240229T235959Z"));
@@ -490,14 +492,14 @@ TEST_F(PosixPreferencesDamage, TheNameTellsTheTime) {
     EXPECT_EQ(folder.read(kept()[1]), "damaged again");
 }
 
-TEST_F(PosixPreferencesDamage, AnArrayAtTheTopIsKeptAsideToo) {
+TEST_F(GNUstepPreferencesDamage, AnArrayAtTheTopIsKeptAsideToo) {
     folder.write(fileName, "<plist><array/></plist>");
     write("look", true);
     ASSERT_TRUE(synchronize());
     EXPECT_THAT(kept(), SizeIs(1));
 }
 
-TEST_F(PosixPreferencesDamage, AFileThatNestsTooDeeplyIsKeptAsideToo) {
+TEST_F(GNUstepPreferencesDamage, AFileThatNestsTooDeeplyIsKeptAsideToo) {
     std::string nested = "<plist><dict><key>a</key>";
     for (int level = 0; level < 200'000; ++level) nested += "<array>";
     folder.write(fileName, nested);
@@ -507,7 +509,7 @@ TEST_F(PosixPreferencesDamage, AFileThatNestsTooDeeplyIsKeptAsideToo) {
     EXPECT_THAT(kept(), SizeIs(1));
 }
 
-TEST_F(PosixPreferencesDamage, BehindALinkItIsKeptBesideTheFileAndNotTheLink) {
+TEST_F(GNUstepPreferencesDamage, BehindALinkItIsKeptBesideTheFileAndNotTheLink) {
     folder.makeFolder("dotfiles");
     folder.write("dotfiles/codec", damage);
     std::filesystem::remove(folder / fileName);
@@ -519,7 +521,7 @@ TEST_F(PosixPreferencesDamage, BehindALinkItIsKeptBesideTheFileAndNotTheLink) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "dotfiles"), {}), 2);
 }
 
-TEST_F(PosixPreferencesDamage, WhenItCantBeKeptAsideItIsNotReplaced) {
+TEST_F(GNUstepPreferencesDamage, WhenItCantBeKeptAsideItIsNotReplaced) {
     calls.failEvery("renameNoReplace", EACCES);
     write("look", true);
     EXPECT_FALSE(synchronize());
@@ -532,4 +534,4 @@ TEST_F(PosixPreferencesDamage, WhenItCantBeKeptAsideItIsNotReplaced) {
 }
 
 }  // namespace
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -1,4 +1,4 @@
-#include "platform/posix/CachedPropertyList.h"
+#include "platform/gnustep/CachedPropertyList.h"
 
 #include <array>
 #include <cerrno>
@@ -8,7 +8,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileContents.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 /// How old a file's times must be, in nanoseconds, for a later change to give it others. The kernel stamps with the
@@ -38,7 +38,8 @@ bool isSettledAt(const struct timespec& now, const struct stat& status) {
 
 }  // namespace
 
-CachedPropertyList::CachedPropertyList(SystemCalls& calls, std::string path) : calls_(calls), path_(std::move(path)) {}
+CachedPropertyList::CachedPropertyList(posix::SystemCalls& calls, std::string path)
+    : calls_(calls), path_(std::move(path)) {}
 
 CachedPropertyList::State CachedPropertyList::refresh() {
     struct stat now {};
@@ -64,12 +65,12 @@ CachedPropertyList::State CachedPropertyList::read() {
     struct timespec now {};
     const bool clockIsKnown = calls_.clockGettime(CLOCK_REALTIME, &now) == 0;
     struct stat status {};
-    const Descriptor file(calls_, openToRead(calls_, path_, status));
+    const posix::Descriptor file(calls_, posix::openToRead(calls_, path_, status));
     std::string bytes;
     bool isWhole = file.isOpen();
     while (isWhole && bytes.size() <= largestPropertyList) {
         std::array<char, 16384> buffer;
-        const ssize_t got = readOnce(calls_, file.number(), buffer.data(), buffer.size());
+        const ssize_t got = posix::readOnce(calls_, file.number(), buffer.data(), buffer.size());
         if (got == 0) break;
         isWhole = got > 0;
         if (isWhole) bytes.append(buffer.data(), static_cast<std::size_t>(got));
@@ -96,4 +97,4 @@ void CachedPropertyList::keep(State state, PropertyList list, std::string bytes)
     bytes_ = std::move(bytes);
 }
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

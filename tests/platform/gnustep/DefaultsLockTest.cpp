@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/posix/DefaultsLock.h"
+#include "platform/gnustep/DefaultsLock.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 /// A defaults folder, and its lock as a process sees it that waits only in its own time.
@@ -26,8 +26,8 @@ struct DefaultsLockTest : testing::Test {
     void freeAsAnother() { std::filesystem::remove(folder / lockName); }
 
     const std::string lockName = ".lck/.GNUstepDefaults.lck";
-    TemporaryFolder folder;
-    SystemCallsWithOwnClock calls;
+    posix::TemporaryFolder folder;
+    posix::SystemCallsWithOwnClock calls;
     DefaultsLock lock{calls, folder.path};
 };
 
@@ -132,4 +132,4 @@ TEST_F(DefaultsLockTest, OneThatAnotherBrokeAndTookIsNotFreed) {
 }
 
 }  // namespace
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 
 /// XML can't hold every character, so GNUstep writes those it can't as `\U` and four hexadecimal digits, one for each
 /// UTF-16 unit, and reads that back in every text and key; the functions here do the same.
@@ -26,4 +26,4 @@ std::string withPairsRead(std::string_view text);
 /// `text` without the white space at its ends.
 std::string_view trimmed(std::string_view text);
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 
 /// How many containers may stand inside the one at the top, one in the other.
 inline constexpr std::size_t deepestNesting = 128;
@@ -31,4 +31,4 @@ using PropertyListEntries = std::map<std::string, PropertyListEntry, std::less<>
 /// its own, or is nested more deeply than `deepestNesting`.
 std::optional<PropertyListEntries> entriesFromXML(std::string_view xml);
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

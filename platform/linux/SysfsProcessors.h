@@ -5,13 +5,14 @@
 #include "platform/Processors.h"
 #include "platform/posix/SystemCalls.h"
 
-namespace vantrel::posix {
+namespace vantrel::linux {
 
 /// Processors on Linux, as the kernel's device tree tells them.
 class SysfsProcessors : public Processors {
 public:
     /// `root` is the folder of the list "online" and of the folders "cpu0", "cpu1" and so on.
-    explicit SysfsProcessors(std::string root = "/sys/devices/system/cpu", SystemCalls& calls = SystemCalls::real())
+    explicit SysfsProcessors(std::string root = "/sys/devices/system/cpu",
+                             posix::SystemCalls& calls = posix::SystemCalls::real())
         : root_(std::move(root)), calls_(calls) {}
 
     /// Counts the cores of the processors that are online now: those with the same package and core are threads of
@@ -22,7 +23,7 @@ public:
 
 private:
     std::string root_;
-    SystemCalls& calls_;
+    posix::SystemCalls& calls_;
 };
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::linux

@@ -1,4 +1,4 @@
-#include "platform/posix/SysfsProcessors.h"
+#include "platform/linux/SysfsProcessors.h"
 
 #include <charconv>
 #include <optional>
@@ -8,7 +8,7 @@
 
 #include "platform/posix/FileContents.h"
 
-namespace vantrel::posix {
+namespace vantrel::linux {
 
 namespace {
 
@@ -47,8 +47,8 @@ std::set<std::int32_t> processorsIn(std::string_view list) {
 }
 
 /// The number that is all of the file at `path`.
-std::optional<std::int32_t> numberIn(SystemCalls& calls, const std::string& path) {
-    const auto contents = contentsOfFile(calls, path, longestFile);
+std::optional<std::int32_t> numberIn(posix::SystemCalls& calls, const std::string& path) {
+    const auto contents = posix::contentsOfFile(calls, path, longestFile);
     if (!contents) return std::nullopt;
     std::string_view text = *contents;
     const auto number = takeNumber(text);
@@ -59,7 +59,7 @@ std::optional<std::int32_t> numberIn(SystemCalls& calls, const std::string& path
 }  // namespace
 
 std::int32_t SysfsProcessors::physicalCPUCount() {
-    const auto online = contentsOfFile(calls_, root_ + "/online", longestFile);
+    const auto online = posix::contentsOfFile(calls_, root_ + "/online", longestFile);
     if (!online) return 0;
 
     std::set<std::pair<std::int32_t, std::int32_t>> cores;
@@ -78,4 +78,4 @@ std::int32_t SysfsProcessors::physicalCPUCount() {
     return static_cast<std::int32_t>(cores.size()) + coresOfTheirOwn;
 }
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::linux

@@ -1,4 +1,4 @@
-#include "platform/posix/XMLPropertyList.h"
+#include "platform/gnustep/XMLPropertyList.h"
 
 #include <libxml/parserInternals.h>
 
@@ -8,11 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "platform/PropertyList.h"
-#include "platform/posix/PropertyListText.h"
-#include "platform/posix/XMLCharacters.h"
+#include "platform/gnustep/PropertyList.h"
+#include "platform/gnustep/PropertyListText.h"
+#include "platform/gnustep/XMLCharacters.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 /// Without XML_PARSE_HUGE, libxml2 keeps to its own bounds.
@@ -176,4 +176,4 @@ std::optional<PropertyListEntries> entriesFromXML(std::string_view xml) {
     return reader.isEncoded() ? entriesFromXML(inUTF8(xml)) : std::move(entries);
 }
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -5,14 +5,14 @@
 
 #include "platform/posix/SystemCalls.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 
 /// The lock that every GNUstep process takes while it changes a file in the defaults folder: a folder that only one can
 /// make. Who dies with it leaves it behind; the next one breaks it when it is 20 seconds old.
 class DefaultsLock {
 public:
     /// For the defaults folder at `folder`, an absolute path. Takes nothing yet.
-    DefaultsLock(SystemCalls& calls, std::string folder);
+    DefaultsLock(posix::SystemCalls& calls, std::string folder);
     DefaultsLock(const DefaultsLock&) = delete;
     DefaultsLock& operator=(const DefaultsLock&) = delete;
     /// Frees the lock if it is taken.
@@ -37,10 +37,10 @@ private:
     std::optional<Identity> standing();
     static bool isSame(const Identity& one, const Identity& other);
 
-    SystemCalls& calls_;
+    posix::SystemCalls& calls_;
     std::string folder_;
     std::string path_;
     std::optional<Identity> held_;
 };
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

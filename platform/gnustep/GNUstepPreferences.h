@@ -6,17 +6,17 @@
 
 #include "platform/Log.h"
 #include "platform/Preferences.h"
-#include "platform/posix/DomainFile.h"
+#include "platform/gnustep/DomainFile.h"
 #include "platform/posix/SystemCalls.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 
 /// The preferences as GNUstep keeps them: a property list for each application in the user's defaults folder, named
 /// after its ID, and NSGlobalDomain.plist for all of them. GNUstep's own programs read and write the same files.
-class PosixPreferences : public Preferences {
+class GNUstepPreferences : public Preferences {
 public:
     /// `folder` is the defaults folder, an absolute path. It need not exist: the first synchronise makes it.
-    PosixPreferences(std::string folder, Log& log, SystemCalls& calls = SystemCalls::real());
+    GNUstepPreferences(std::string folder, Log& log, posix::SystemCalls& calls = posix::SystemCalls::real());
 
     PreferenceValue copyAppValue(std::string_view key, std::string_view applicationID) override;
     void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) override;
@@ -27,8 +27,8 @@ private:
 
     std::string folder_;
     Log& log_;
-    SystemCalls& calls_;
+    posix::SystemCalls& calls_;
     std::map<std::string, DomainFile, std::less<>> domains_;
 };
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

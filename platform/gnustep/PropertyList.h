@@ -10,7 +10,7 @@
 
 #include "platform/Preferences.h"
 
-namespace vantrel {
+namespace vantrel::gnustep {
 
 /// The most bytes that are read: no settings file comes near, and what a hostile one can cost stays small.
 inline constexpr std::size_t largestPropertyList = std::size_t{16} * 1024 * 1024;
@@ -71,4 +71,4 @@ private:
     std::unique_ptr<Entries> entries_;
 };
 
-}  // namespace vantrel
+}  // namespace vantrel::gnustep

@@ -1,4 +1,4 @@
-#include "platform/PropertyList.h"
+#include "platform/gnustep/PropertyList.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,15 +6,14 @@
 #include <limits>
 #include <utility>
 
-#include "platform/posix/BinaryPropertyList.h"
-#include "platform/posix/PropertyListText.h"
-#include "platform/posix/XMLPropertyList.h"
+#include "platform/gnustep/BinaryPropertyList.h"
+#include "platform/gnustep/PropertyListText.h"
+#include "platform/gnustep/XMLPropertyList.h"
 
-namespace vantrel {
+namespace vantrel::gnustep {
 namespace {
 
-using posix::trimmed;
-using Entry = posix::PropertyListEntry;
+using Entry = PropertyListEntry;
 
 /// Any integer that a property list can hold: from -(2^64 - 1) to 2^64 - 1.
 struct WholeNumber {
@@ -83,11 +82,11 @@ struct PropertyList::Entries {
     }
 
     void set(std::string_view key, std::string element, std::string type, std::string_view text) {
-        byKey.insert_or_assign(std::string(key), Entry{"<key>" + posix::xmlFromText(key) + "</key>", std::move(element),
+        byKey.insert_or_assign(std::string(key), Entry{"<key>" + xmlFromText(key) + "</key>", std::move(element),
                                                        std::move(type), std::string(text)});
     }
 
-    posix::PropertyListEntries byKey;
+    PropertyListEntries byKey;
 };
 
 PropertyList::PropertyList() : entries_(std::make_unique<Entries>()) {}
@@ -104,12 +103,12 @@ PropertyList& PropertyList::operator=(const PropertyList& other) {
 
 std::optional<PropertyList> PropertyList::parse(std::string_view bytes) {
     std::optional<std::string> converted;
-    if (posix::isBinaryPropertyList(bytes)) {
-        converted = posix::xmlFromBinaryPropertyList(bytes);
+    if (isBinaryPropertyList(bytes)) {
+        converted = xmlFromBinaryPropertyList(bytes);
         if (!converted) return std::nullopt;
         bytes = *converted;
     }
-    auto entries = posix::entriesFromXML(bytes);
+    auto entries = entriesFromXML(bytes);
     if (!entries) return std::nullopt;
     return PropertyList(std::make_unique<Entries>(Entries{std::move(*entries)}));
 }
@@ -153,8 +152,8 @@ void PropertyList::setInteger(std::string_view key, std::int64_t number) {
 }
 
 void PropertyList::setString(std::string_view key, std::string_view text) {
-    const auto escaped = posix::withEscapes(text);
-    entries_->set(key, "<string>" + posix::xmlFromText(text) + "</string>", "string", posix::withEscapesRead(escaped));
+    const auto escaped = withEscapes(text);
+    entries_->set(key, "<string>" + xmlFromText(text) + "</string>", "string", withEscapesRead(escaped));
 }
 
 void PropertyList::remove(std::string_view key) {
@@ -202,4 +201,4 @@ std::string PropertyList::toXML() const {
     return xml;
 }
 
-}  // namespace vantrel
+}  // namespace vantrel::gnustep

@@ -11,12 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/PropertyList.h"
-#include "platform/posix/PropertyListText.h"
-#include "platform/posix/XMLPropertyList.h"
+#include "platform/gnustep/PropertyList.h"
+#include "platform/gnustep/PropertyListText.h"
+#include "platform/gnustep/XMLPropertyList.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 using namespace std::string_literals;
@@ -80,7 +80,7 @@ public:
     ~LocaleWithItsOwnSign() { std::setlocale(LC_NUMERIC, "C"); }
 
 private:
-    TemporaryFolder folder_;
+    posix::TemporaryFolder folder_;
 };
 
 std::string oneAndAHalf() {
@@ -242,7 +242,7 @@ TEST(PropertyListParse, EntitiesOfItsOwnAreNotRead) {
 }
 
 TEST(PropertyListParse, TheDocumentTypeIsNotFetched) {
-    const TemporaryFolder folder;
+    const posix::TemporaryFolder folder;
     folder.write("types", "<!ENTITY a 'b'>");
     const auto type = "<!DOCTYPE plist SYSTEM '" + folder / "types" + "'>";
     EXPECT_TRUE(isParsed(type + "<plist><dict/></plist>"));
@@ -670,4 +670,4 @@ TEST(BinaryPropertyList, ObjectsSharedAFewTimesAreRead) {
 }
 
 }  // namespace
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

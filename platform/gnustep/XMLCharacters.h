@@ -2,7 +2,7 @@
 
 #include <libxml/xmlstring.h>
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 
 /// libxml2 holds UTF-8 in characters of its own type, without a sign.
 
@@ -14,4 +14,4 @@ inline const char* plainCharacters(const xmlChar* text) {
     return reinterpret_cast<const char*>(text);
 }
 
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

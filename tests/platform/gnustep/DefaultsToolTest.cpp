@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/PropertyList.h"
+#include "platform/gnustep/GNUstepPreferences.h"
+#include "platform/gnustep/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
-#include "platform/posix/PosixPreferences.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 using testing::SizeIs;
@@ -83,10 +83,10 @@ struct DefaultsToolTest : testing::Test {
         return found ? *found : "no text";
     }
 
-    TemporaryFolder home;
+    posix::TemporaryFolder home;
     memory::Journal journal;
     memory::MemoryLog log{journal};
-    PosixPreferences preferences{home / "Defaults", log};
+    GNUstepPreferences preferences{home / "Defaults", log};
 };
 
 TEST_F(DefaultsToolTest, ItReadsWhatTheStoreWrote) {
@@ -178,4 +178,4 @@ TEST_F(DefaultsToolTest, NoKeyIsLostWhenBothWriteAtTheSameTime) {
 }
 
 }  // namespace
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

@@ -5,14 +5,14 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/PropertyList.h"
+#include "platform/gnustep/GNUstepPreferences.h"
+#include "platform/gnustep/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
-#include "platform/posix/PosixPreferences.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
-namespace vantrel::posix {
+namespace vantrel::gnustep {
 namespace {
 
 using testing::AnyOf;
@@ -48,11 +48,11 @@ struct Attempt {
         return flag && *flag;
     }
 
-    TemporaryFolder folder;
+    posix::TemporaryFolder folder;
     memory::Journal journal;
     memory::MemoryLog log{journal};
-    SystemCallsWithOwnClock calls;
-    PosixPreferences preferences{folder.path, log, calls};
+    posix::SystemCallsWithOwnClock calls;
+    GNUstepPreferences preferences{folder.path, log, calls};
 };
 
 /// The calls that one undisturbed attempt makes.
@@ -86,7 +86,7 @@ void expectRecovery(Attempt& attempt, bool saidItWasDone) {
     expectNoLockInTheWay(attempt);
 }
 
-TEST(PosixPreferencesFaults, WhicheverCallFailsTheFileIsWholeAndTheValuesReachItTheNextTime) {
+TEST(GNUstepPreferencesFaults, WhicheverCallFailsTheFileIsWholeAndTheValuesReachItTheNextTime) {
     std::map<std::string, int> seen;
     for (const auto& name : callsOfAnAttempt()) {
         const int nth = ++seen[name];
@@ -99,7 +99,7 @@ TEST(PosixPreferencesFaults, WhicheverCallFailsTheFileIsWholeAndTheValuesReachIt
     }
 }
 
-TEST(PosixPreferencesFaults, WhicheverCallFailsForAWhileTheValuesReachTheFileAfterIt) {
+TEST(GNUstepPreferencesFaults, WhicheverCallFailsForAWhileTheValuesReachTheFileAfterIt) {
     const auto made = callsOfAnAttempt();
     for (const auto& name : std::set<std::string>(made.begin(), made.end())) {
         // A lock that can't be removed keeps only the next writer waiting.
@@ -114,7 +114,7 @@ TEST(PosixPreferencesFaults, WhicheverCallFailsForAWhileTheValuesReachTheFileAft
     }
 }
 
-TEST(PosixPreferencesFaults, AFullDiskHalfWayLeavesTheOldFile) {
+TEST(GNUstepPreferencesFaults, AFullDiskHalfWayLeavesTheOldFile) {
     Attempt attempt;
     attempt.calls.mostBytesAtOnce = 100;
     attempt.calls.failNth("write", 2, ENOSPC);
@@ -123,7 +123,7 @@ TEST(PosixPreferencesFaults, AFullDiskHalfWayLeavesTheOldFile) {
     expectRecovery(attempt, false);
 }
 
-TEST(PosixPreferencesFaults, ShortReadsAndWritesThatAreInterruptedMakeAWholeFile) {
+TEST(GNUstepPreferencesFaults, ShortReadsAndWritesThatAreInterruptedMakeAWholeFile) {
     Attempt attempt;
     attempt.calls.mostBytesAtOnce = 3;
     attempt.calls.failNth("write", 5, EINTR);
@@ -132,7 +132,7 @@ TEST(PosixPreferencesFaults, ShortReadsAndWritesThatAreInterruptedMakeAWholeFile
     EXPECT_EQ(attempt.folder.read(fileName), newFile);
 }
 
-TEST(PosixPreferencesFaults, AFileThatCantBeReadIsNeverReplaced) {
+TEST(GNUstepPreferencesFaults, AFileThatCantBeReadIsNeverReplaced) {
     for (const int error : {EACCES, EIO, EMFILE}) {
         Attempt attempt;
         attempt.calls.failEvery("open", error);
@@ -144,7 +144,7 @@ TEST(PosixPreferencesFaults, AFileThatCantBeReadIsNeverReplaced) {
     }
 }
 
-TEST(PosixPreferencesFaults, AFileThatBreaksOffWithAnErrorIsNeverReplaced) {
+TEST(GNUstepPreferencesFaults, AFileThatBreaksOffWithAnErrorIsNeverReplaced) {
     Attempt attempt;
     attempt.calls.mostBytesAtOnce = 50;
     attempt.calls.failEvery("read", EIO);
@@ -152,7 +152,7 @@ TEST(PosixPreferencesFaults, AFileThatBreaksOffWithAnErrorIsNeverReplaced) {
     EXPECT_EQ(attempt.folder.read(fileName), oldFile);
 }
 
-TEST(PosixPreferencesFaults, AFolderThatCantBeWrittenCostsOnlyTheFile) {
+TEST(GNUstepPreferencesFaults, AFolderThatCantBeWrittenCostsOnlyTheFile) {
     Attempt attempt;
     attempt.calls.failEvery("mkdir", EROFS);
     EXPECT_FALSE(attempt.write());
@@ -163,7 +163,7 @@ TEST(PosixPreferencesFaults, AFolderThatCantBeWrittenCostsOnlyTheFile) {
     EXPECT_EQ(attempt.folder.read(fileName), newFile);
 }
 
-TEST(PosixPreferencesFaults, ARenamingThatWasNotWrittenThroughIsDoneAgainThoughNothingChanged) {
+TEST(GNUstepPreferencesFaults, ARenamingThatWasNotWrittenThroughIsDoneAgainThoughNothingChanged) {
     Attempt attempt;
     attempt.calls.failNth("fsync", 2, EIO);
     EXPECT_FALSE(attempt.write());
@@ -175,7 +175,7 @@ TEST(PosixPreferencesFaults, ARenamingThatWasNotWrittenThroughIsDoneAgainThoughN
     EXPECT_EQ(attempt.calls.count("rename"), 2);
 }
 
-TEST(PosixPreferencesFaults, WhereverTheProcessDiesTheFileIsOldOrNewAndTheNextOneCanWrite) {
+TEST(GNUstepPreferencesFaults, WhereverTheProcessDiesTheFileIsOldOrNewAndTheNextOneCanWrite) {
     const auto calls = callsOfAnAttempt().size();
     int oldFiles = 0;
     for (std::size_t last = 0; last < calls; ++last) {
@@ -206,4 +206,4 @@ TEST(PosixPreferencesFaults, WhereverTheProcessDiesTheFileIsOldOrNewAndTheNextOn
 }
 
 }  // namespace
-}  // namespace vantrel::posix
+}  // namespace vantrel::gnustep

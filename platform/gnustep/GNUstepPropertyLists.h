@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/PropertyLists.h"
+#include "platform/posix/SystemCalls.h"
+
+namespace vantrel::gnustep {
+
+/// Property lists of up to 16 MiB in every form that `PropertyList` reads.
+class GNUstepPropertyLists : public PropertyLists {
+public:
+    explicit GNUstepPropertyLists(posix::SystemCalls& calls = posix::SystemCalls::real()) : calls_(calls) {}
+
+    std::optional<StringEntries> dictionaryWithContentsOfFile(const std::string& path) override;
+
+private:
+    posix::SystemCalls& calls_;
+};
+
+}  // namespace vantrel::gnustep
