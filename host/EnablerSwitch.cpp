@@ -40,19 +40,12 @@ std::string enablerPaths::versionEnabler(std::string_view versionTag) {
     return "/Library/Application Support/Vantrel/PLugins/RT Software Enabler" + std::string(versionTag) + ".txt";
 }
 
-void EnablerSwitch::clicked(CheckBox& control) {
+std::optional<bool> EnablerSwitch::turn(bool on) {
     const auto versionEnabler = findVersionEnabler();
-    if (!versionEnabler) {
-        control.setState(offState);
-        return;
-    }
-    const bool wanted = control.state() != offState;
-    const bool done = wanted ? switchOn(*versionEnabler) : switchOff();
-    if (!done) {
-        control.setState(wanted ? offState : onState);
-        return;
-    }
-    store_.updateBoolPrefForKey(truthOf(control.state()), keys::fcpRTEnable.name);
+    if (!versionEnabler) return false;
+    if (!(on ? switchOn(*versionEnabler) : switchOff())) return !on;
+    store_.change(key("fcpRTEnableSwap"), on);
+    return std::nullopt;
 }
 
 /// The enabler for the installed Final Cut Pro, or nothing after an alert that says what is missing.

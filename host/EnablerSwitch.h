@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "platform/Alerts.h"
-#include "platform/Controls.h"
 #include "platform/Files.h"
 #include "platform/Log.h"
 #include "platform/PropertyLists.h"
@@ -40,16 +39,16 @@ std::string versionEnabler(std::string_view versionTag);
 ///     switched off:  active deleted,    backup -> active
 ///
 /// Final Cut Pro's own file is only ever moved, so it always exists whole as the active or the backup enabler. The
-/// key "fcpRTEnableSwap" is written after a success only; after a failure the check box goes back to what holds.
+/// key "fcpRTEnableSwap" is written after a success only.
 class EnablerSwitch {
 public:
     EnablerSwitch(Files& files, PropertyLists& propertyLists, Alerts& alerts, Log& log, SettingsStore& store)
         : files_(files), propertyLists_(propertyLists), alerts_(alerts), log_(log), store_(store) {}
 
-    /// Carries out a click on `control`, which already shows the state that the user chose. Without a Final Cut Pro
-    /// of a version that there is an enabler for, an alert says so, and the check box goes off, whichever way it was
-    /// clicked. A file operation that fails is logged, and the check box springs back.
-    void clicked(CheckBox& control);
+    /// Swaps the files, and stores `on` once that succeeded. Nothing then; otherwise what the user is to be shown
+    /// instead. Without a Final Cut Pro of a version that there is an enabler for, an alert says so, and that is off,
+    /// whichever way was wanted. A file operation that fails is logged, and everything stays as it was.
+    std::optional<bool> turn(bool on);
 
 private:
     std::optional<std::string> findVersionEnabler();

@@ -78,4 +78,18 @@ public:
     virtual void clear() = 0;
 };
 
+/// A pane's controls and texts, by the names of the instance variables that hold them. They may be asked for before the
+/// interface file has connected them, and serve as long as this does. Asking for a name that the pane doesn't have, or
+/// that holds another kind of control, is a mistake in the program.
+class Outlets {
+public:
+    virtual ~Outlets() = default;
+    virtual CheckBox& checkBox(std::string_view name) = 0;
+    virtual RadioMatrix& radioMatrix(std::string_view name) = 0;
+    virtual PopUpButton& popUpButton(std::string_view name) = 0;
+    virtual TextField& textField(std::string_view name) = 0;
+    virtual PushButton& pushButton(std::string_view name) = 0;
+    virtual OwnedString& string(std::string_view name) = 0;
+};
+
 }  // namespace vantrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,9 +26,24 @@ using PreferenceValue = std::variant<Absent, bool, Number, std::string, OtherTyp
 /// What a write stores: a flag, a signed integer of the platform's `long` type, or a UTF-8 text.
 using NewPreferenceValue = std::variant<bool, long, std::string>;
 
+/// A written value as a read finds it.
+inline PreferenceValue asStored(const NewPreferenceValue& value) {
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag;
+    if (const auto* number = std::get_if<long>(&value)) return Number{*number};
+    if (const auto* text = std::get_if<std::string>(&value)) return *text;
+    return Absent{};
+}
+
+/// What becomes of a stored value: the one to store instead, or nothing to leave it as it is.
+using PreferenceChange = std::function<std::optional<NewPreferenceValue>(const PreferenceValue& stored)>;
+
 /// The per-user preferences of applications, each under its application ID, as the platform keeps them. Other
-/// processes read and write the same values. Nothing here reports an error: a value that can't be read is
-/// absent, a write that can't reach the disk lives on in this process and is tried again by the next synchronise.
+/// processes read and write the same values. A write that can't reach the disk lives on in this process and is tried
+/// again by the next synchronise.
+///
+/// What can't be read is not missing: what was last read stands in for it, and a change is carried out on the value
+/// that the store really holds by the time the change reaches it. So nothing that is stored is ever replaced because it
+/// couldn't be read.
 class Preferences {
 public:
     virtual ~Preferences() = default;
@@ -39,6 +55,11 @@ public:
     /// Stores `value` in the application's own domain for the current user and any host, replacing a value of any
     /// type. Reads in this process see it at once, other processes from the next `synchronize` on.
     virtual void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) = 0;
+
+    /// Looks `key` up as `copyAppValue` does, stores what `change` makes of it as `setAppValue` does, and returns what
+    /// was found. `change` may be called again, until the next successful `synchronize`, and must hold what it needs.
+    virtual PreferenceValue updateAppValue(std::string_view key, const PreferenceChange& change,
+                                           std::string_view applicationID) = 0;
 
     /// Makes the writes of the application's domain (current user, any host) lasting and visible to other
     /// processes. Returns false when that failed.

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <variant>
 
 /// The bits of the key `ColorProcessingPath`, the codec's summary of the colour-processing choices:
 ///
@@ -15,10 +16,10 @@
 /// a `long`.
 namespace vantrel::colorProcessingPath {
 
-inline constexpr std::int32_t colorMatrixBit = 1;
-inline constexpr std::int32_t whiteBalanceBit = 2;
-inline constexpr std::int32_t lookBit = 3;
-inline constexpr std::int32_t gammaBit = 5;
+/// The bit of a stage, by its number.
+struct Stage {
+    std::int32_t bit;
+};
 
 /// Four bits for a demosaic method, 0 to 15.
 struct DemosaicField {
@@ -26,8 +27,8 @@ struct DemosaicField {
     constexpr std::uint32_t mask() const { return std::uint32_t{0xF} << shift; }
 };
 
-inline constexpr DemosaicField presentationDemosaic{16};
-inline constexpr DemosaicField renderDemosaic{20};
+/// What another key has in `ColorProcessingPath`, if anything.
+using Part = std::variant<std::monostate, Stage, DemosaicField>;
 
 /// 1 shifted left by `bit` modulo 32, sign-extended: bit 31 covers the upper half of a 64-bit `long` as well.
 constexpr long maskOfBit(std::int32_t bit) {

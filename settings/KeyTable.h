@@ -1,16 +1,20 @@
 #pragma once
 
-#include <array>
 #include <string_view>
 #include <variant>
 
+#include "settings/ColorProcessingPath.h"
+
 namespace vantrel {
 
-/// How a key's value is stored. A value stored in another way counts as absent.
-enum class Encoding {
-    flag,     ///< a Boolean
-    integer,  ///< a number of the platform's signed `long`
-    text,     ///< a string
+/// What a key holds and what it means. A value that is stored in another way counts as absent.
+enum class Kind {
+    flag,   ///< a Boolean
+    row,    ///< a number of the platform's signed `long`: a row from 0, of which the low 32 bits count
+    item,   ///< likewise: an item of a menu, from 0
+    limit,  ///< likewise: an item of a menu that has one for each core
+    bits,   ///< likewise: a set of bits
+    text,   ///< a string
 };
 
 /// A text that the bundle's default string table holds under a key of its own.
@@ -20,26 +24,39 @@ struct LocalizedText {
     std::string_view fallback = "a path";
 };
 
-/// What the view shows for a key that is absent or mistyped; nothing for a key that is never read.
+/// What is shown for a key that is absent or mistyped; nothing for a control that keeps the interface file's state.
 using SetUpDefault = std::variant<std::monostate, bool, long, LocalizedText>;
 
-/// What becomes of the default when the view is set up from a key that is absent or mistyped.
+/// What becomes of a value that can't be shown as it is stored, when the view is set up.
 enum class Repair {
-    written,        ///< written, and synchronised once with the rest of its group
-    writtenLazily,  ///< written; it becomes lasting with the next synchronise of the domain
+    written,        ///< the default is written, and synchronised once with the rest of its group
+    writtenLazily,  ///< the default is written; it becomes lasting with the next synchronise of the domain
     ifLowered,      ///< written and synchronised only when the number of cores lowers it
     ifAsked,        ///< written when a stage or gamma default was, or when the encoder limit was missing too
-    none,           ///< shown only
+    none,           ///< the default is shown only
+};
+
+/// The groups of keys, in the order in which the view is set up.
+enum class Group {
+    encoder,
+    color,  ///< one write of `ColorProcessingPath` and one synchronise for all
+    flags,  ///< one synchronise for all
+    folders,
+    demosaic,
+    hosts,     ///< enabled once they show their key
+    untouched  ///< never read: the control keeps the interface file's state
 };
 
 /// One key of the codec's preferences domain.
 struct SettingsKey {
     std::string_view name;
-    Encoding encoding;
+    Kind kind;
     SetUpDefault setUpDefault;
     Repair repair;
-    /// The outlet of the control that writes the key; several share `ColorProcessingPath`.
+    Group group;
+    /// The instance variable that holds the control; empty for `ColorProcessingPath`, which several controls share.
     std::string_view outlet;
+    colorProcessingPath::Part path = {};
 };
 
 /// The codec's preferences domain.
@@ -47,64 +64,52 @@ inline constexpr std::string_view codecApplicationID = "com.vantrel.codec";
 
 namespace keys {
 
-using enum Encoding;
+using enum Kind;
 using enum Repair;
+using enum Group;
+using colorProcessingPath::DemosaicField;
+using colorProcessingPath::Stage;
 
 // clang-format off
-inline constexpr SettingsKey colorMatrix          {"colorMatrix",          flag,    true, written, "colorMatrix"};
-inline constexpr SettingsKey whiteBalance         {"whiteBalance",         flag,    true, written, "whiteBalance"};
-inline constexpr SettingsKey look                 {"look",                 flag,    true, written, "look"};
-inline constexpr SettingsKey gamma                {"gamma",                flag,    true, written, "gamma"};
-inline constexpr SettingsKey colorProcessingPath  {"ColorProcessingPath",  integer, 0L, ifAsked, ""};
-inline constexpr SettingsKey presentationDemosaic {"8bitDebayer",          integer, 0L, none, "presentationDemosaic"};
-inline constexpr SettingsKey renderDemosaic       {"RenderDebayer",        integer, 0L, none, "renderDemosaic"};
-inline constexpr SettingsKey qtGamma              {"QTGammaCorrection",    integer, 0L, written, "fmtQTGamma"};
-inline constexpr SettingsKey fcpGamma             {"FCPGammaCorrection",   integer, 0L, written, "fmtFCPGamma"};
-inline constexpr SettingsKey yuv8                 {"FormatYUV8",           flag,    true, written, "fmtYUV8Bit"};
-inline constexpr SettingsKey yuv8Alpha            {"FormatYUV8A",          flag,    true, written, "fmtYUV8BitA"};
-inline constexpr SettingsKey yuv16                {"FormatYUV16",          flag,    true, written, "fmtYUV16Bit"};
-inline constexpr SettingsKey yuv32                {"FormatYUV32",          flag,    true, written, "fmtYUV32Bit"};
-inline constexpr SettingsKey rgb8                 {"FormatRGB8",           flag,    true, written, "fmtRGB8Bit"};
-inline constexpr SettingsKey rgb16                {"FormatRGB16",          flag,    true, written, "fmtRGB16Bit"};
-inline constexpr SettingsKey rgb32                {"FormatRGB32",          flag,    true, written, "fmtRGB32Bit"};
-inline constexpr SettingsKey fcpLetterbox         {"FCPForceLetterBox",    flag,    true, written, "fmtFCPLetterbox"};
-inline constexpr SettingsKey dualStream3D         {"FormatDualStream3D",   flag,    {}, none, "fmtDualStream3D"};
-inline constexpr SettingsKey cs5SourceSettings    {"PProCS5HasMovieSetup", flag,    true, writtenLazily, "cs5SourceSettings"};
-inline constexpr SettingsKey encodeThreads        {"MaxEncodeThreads",     integer, 7L, ifLowered, "encodeThreads"};
-inline constexpr SettingsKey showStereoStatus     {"ShowStereoStatusMenu", flag,    true, written, "_showStereoStatus"};
-inline constexpr SettingsKey fcpRTEnable          {"fcpRTEnableSwap",      flag,    false, writtenLazily, "fcpRTEnable"};
-inline constexpr SettingsKey lutsPath             {"LUTsPath",             text,    LocalizedText{"KVRXLutsPath"}, writtenLazily, "_LUTsPath"};
-inline constexpr SettingsKey overridePath         {"OverridePath",         text,    LocalizedText{"KVRXOverridePath"}, writtenLazily, "_overridePath"};
+inline constexpr SettingsKey table[] = {
+    {"MaxEncodeThreads",     limit, 7L,    ifLowered,     encoder,   "encodeThreads"},
+    {"ColorProcessingPath",  bits,  0L,    ifAsked,       color,     ""},
+    {"whiteBalance",         flag,  true,  written,       color,     "whiteBalance",         Stage{2}},
+    {"colorMatrix",          flag,  true,  written,       color,     "colorMatrix",          Stage{1}},
+    {"look",                 flag,  true,  written,       color,     "look",                 Stage{3}},
+    {"gamma",                flag,  true,  written,       color,     "gamma",                Stage{5}},
+    {"QTGammaCorrection",    row,   0L,    written,       color,     "fmtQTGamma"},
+    {"FCPGammaCorrection",   row,   0L,    written,       color,     "fmtFCPGamma"},
+    {"FormatYUV8",           flag,  true,  written,       flags,     "fmtYUV8Bit"},
+    {"FormatYUV8A",          flag,  true,  written,       flags,     "fmtYUV8BitA"},
+    {"FormatYUV16",          flag,  true,  written,       flags,     "fmtYUV16Bit"},
+    {"FormatYUV32",          flag,  true,  written,       flags,     "fmtYUV32Bit"},
+    {"FormatRGB8",           flag,  true,  written,       flags,     "fmtRGB8Bit"},
+    {"FormatRGB16",          flag,  true,  written,       flags,     "fmtRGB16Bit"},
+    {"FormatRGB32",          flag,  true,  written,       flags,     "fmtRGB32Bit"},
+    {"FCPForceLetterBox",    flag,  true,  written,       flags,     "fmtFCPLetterbox"},
+    {"ShowStereoStatusMenu", flag,  true,  written,       flags,     "_showStereoStatus"},
+    {"LUTsPath",             text,  LocalizedText{"KVRXLutsPath"},     writtenLazily, folders, "_LUTsPath"},
+    {"OverridePath",         text,  LocalizedText{"KVRXOverridePath"}, writtenLazily, folders, "_overridePath"},
+    {"8bitDebayer",          item,  0L,    none,          demosaic,  "presentationDemosaic", DemosaicField{16}},
+    {"RenderDebayer",        item,  0L,    none,          demosaic,  "renderDemosaic",       DemosaicField{20}},
+    {"fcpRTEnableSwap",      flag,  false, writtenLazily, hosts,     "fcpRTEnable"},
+    {"PProCS5HasMovieSetup", flag,  true,  writtenLazily, hosts,     "cs5SourceSettings"},
+    {"FormatDualStream3D",   flag,  {},    none,          untouched, "fmtDualStream3D"},
+};
 // clang-format on
 
 }  // namespace keys
 
-/// Every key of the domain that the pane reads or writes.
-inline constexpr std::array keyTable{
-    keys::colorMatrix,
-    keys::whiteBalance,
-    keys::look,
-    keys::gamma,
-    keys::colorProcessingPath,
-    keys::presentationDemosaic,
-    keys::renderDemosaic,
-    keys::qtGamma,
-    keys::fcpGamma,
-    keys::yuv8,
-    keys::yuv8Alpha,
-    keys::yuv16,
-    keys::yuv32,
-    keys::rgb8,
-    keys::rgb16,
-    keys::rgb32,
-    keys::fcpLetterbox,
-    keys::dualStream3D,
-    keys::cs5SourceSettings,
-    keys::encodeThreads,
-    keys::showStereoStatus,
-    keys::fcpRTEnable,
-    keys::lutsPath,
-    keys::overridePath,
-};
+/// Every key of the domain that the pane reads or writes, in the order in which the view is set up.
+inline constexpr const auto& keyTable = keys::table;
+
+/// The row of a key; a name that the table doesn't have is an error of compilation.
+consteval const SettingsKey& key(std::string_view name) {
+    for (const auto& row : keyTable) {
+        if (row.name == name) return row;
+    }
+    throw "no such key";
+}
 
 }  // namespace vantrel

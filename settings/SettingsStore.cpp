@@ -1,95 +1,101 @@
 #include "settings/SettingsStore.h"
 
+#include <algorithm>
+
 #include "settings/ColorProcessingPath.h"
-#include "settings/KeyTable.h"
 
 namespace vantrel {
+namespace {
 
-bool SettingsStore::initPrefCheckForKey(CheckBox& control, std::string_view key) {
-    if (const auto flag = flagForKey(key)) {
-        control.setState(*flag ? onState : offState);
-        return false;
-    }
-    control.setState(onState);
-    setValueForKey(true, key);
-    return true;
+/// A menu's index as it is stored: no selection counts as the first item, and `bits` holds it to what the codec reads.
+std::int32_t itemIndex(long index, std::int32_t bits) {
+    return std::max(static_cast<std::int32_t>(index), 0) & bits;
 }
 
-bool SettingsStore::initIntPrefCheckForKey(RadioMatrix& control, std::string_view key) {
-    const PreferenceValue value = preferences_.copyAppValue(key, appID());
-    const auto* number = std::get_if<Number>(&value);
-    if (!number) {
-        control.setStateAtRow(onState, 0, 0);
-        setValueForKey(0L, key);
-        return true;
-    }
-    if (!number->longValue) return false;
+constexpr std::int32_t limitBits = 0x1F;
+constexpr std::int32_t methodBits = 0xF;
 
-    const auto row = static_cast<std::int32_t>(*number->longValue);
-    if (row >= 0 && row < control.numberOfRows()) {
-        control.selectCellAtRow(row, 0);
-        return false;
-    }
-    control.selectCellAtRow(0, 0);
-    setValueForKey(0L, key);
-    return true;
+}  // namespace
+
+Reading SettingsStore::read(const SettingsKey& key, const Surroundings& surroundings) {
+    return readingOf(key, preferences_.copyAppValue(key.name, codecApplicationID), surroundings);
 }
 
-void SettingsStore::updateBoolPrefForKey(bool value, std::string_view key) {
-    setValueForKey(value, key);
-    synchronize();
+Reading SettingsStore::repair(const SettingsKey& key, const Surroundings& surroundings) {
+    const auto repaired = [key, surroundings](const PreferenceValue& stored) {
+        return readingOf(key, stored, surroundings).repair;
+    };
+    return readingOf(key, preferences_.updateAppValue(key.name, repaired, codecApplicationID), surroundings);
 }
 
-void SettingsStore::updateIntPrefForKey(std::int32_t value, std::string_view key) {
-    setValueForKey(long{value}, key);
-    synchronize();
-}
-
-void SettingsStore::updateBoolPrefForKeyForBit(bool value, std::string_view key, std::int32_t bit) {
-    setValueForKey(value, key);
-    if (value) {
-        setProcPathBit(bit);
+void SettingsStore::change(const SettingsKey& key, const NewPreferenceValue& chosen) {
+    const auto* flag = std::get_if<bool>(&chosen);
+    const auto* index = std::get_if<long>(&chosen);
+    if (const auto* stage = std::get_if<colorProcessingPath::Stage>(&key.path); stage && flag) {
+        setFlagAndBit(key.name, *flag, stage->bit);
+    } else if (const auto* field = std::get_if<colorProcessingPath::DemosaicField>(&key.path); field && index) {
+        const auto method = itemIndex(*index, methodBits);
+        set(key.name, long{method});
+        updatePath([field = *field, method](std::optional<long> stored) {
+            return colorProcessingPath::withDemosaic(stored, field, static_cast<std::uint32_t>(method));
+        });
+        synchronize();
+    } else if (index) {
+        setInteger(key.name,
+                   key.kind == Kind::limit ? itemIndex(*index, limitBits) : static_cast<std::int32_t>(*index));
     } else {
-        clearProcPathBit(bit);
+        set(key.name, chosen);
+        synchronize();
     }
 }
 
-void SettingsStore::setProcPathBit(std::int32_t bit) {
-    const auto& key = keys::colorProcessingPath.name;
-    setValueForKey(colorProcessingPath::withBitSet(integerForKey(key), bit), key);
+void SettingsStore::setFlag(std::string_view key, bool flag) {
+    set(key, flag);
     synchronize();
 }
 
-void SettingsStore::clearProcPathBit(std::int32_t bit) {
-    const auto& key = keys::colorProcessingPath.name;
-    setValueForKey(colorProcessingPath::withBitCleared(integerForKey(key), bit), key);
+void SettingsStore::setInteger(std::string_view key, std::int32_t number) {
+    set(key, long{number});
     synchronize();
 }
 
-std::optional<bool> SettingsStore::flagForKey(std::string_view key) {
-    const PreferenceValue value = preferences_.copyAppValue(key, appID());
-    const auto* flag = std::get_if<bool>(&value);
-    return flag ? std::optional(*flag) : std::nullopt;
+void SettingsStore::setFlagAndBit(std::string_view key, bool flag, std::int32_t bit) {
+    set(key, flag);
+    if (flag) {
+        setPathBit(bit);
+    } else {
+        clearPathBit(bit);
+    }
 }
 
-std::optional<long> SettingsStore::integerForKey(std::string_view key) {
-    const PreferenceValue value = preferences_.copyAppValue(key, appID());
-    const auto* number = std::get_if<Number>(&value);
-    return number ? number->longValue : std::nullopt;
+void SettingsStore::setPathBit(std::int32_t bit) {
+    updatePath([bit](std::optional<long> stored) { return colorProcessingPath::withBitSet(stored, bit); });
+    synchronize();
 }
 
-std::optional<std::string> SettingsStore::textForKey(std::string_view key) {
-    PreferenceValue value = preferences_.copyAppValue(key, appID());
-    auto* text = std::get_if<std::string>(&value);
-    return text ? std::optional(std::move(*text)) : std::nullopt;
+void SettingsStore::clearPathBit(std::int32_t bit) {
+    updatePath([bit](std::optional<long> stored) { return colorProcessingPath::withBitCleared(stored, bit); });
+    synchronize();
 }
 
-void SettingsStore::setValueForKey(const NewPreferenceValue& value, std::string_view key) {
-    preferences_.setAppValue(key, value, appID());
+void SettingsStore::addToPath(long mask) {
+    updatePath([mask](std::optional<long> stored) { return stored.value_or(0) | mask; });
 }
 
 void SettingsStore::synchronize() {
-    preferences_.synchronize(appID());
+    preferences_.synchronize(codecApplicationID);
+}
+
+void SettingsStore::updatePath(const std::function<long(std::optional<long> stored)>& newPath) {
+    const auto change = [newPath](const PreferenceValue& stored) {
+        const auto* number = std::get_if<Number>(&stored);
+        return newPath(number ? number->longValue : std::nullopt);
+    };
+    preferences_.updateAppValue(key("ColorProcessingPath").name, change, codecApplicationID);
+}
+
+void SettingsStore::set(std::string_view key, const NewPreferenceValue& value) {
+    preferences_.setAppValue(key, value, codecApplicationID);
 }
 
 }  // namespace vantrel

@@ -1,17 +1,17 @@
 # The bundle that the settings host loads, Vantrel.prefPane, in the build folder.
 if(APPLE)
     set(system Apple)
-    set(system_libraries vantrel_apple vantrel_cocoa_overrides)
+    set(system_libraries vantrel_apple)
 else()
     set(system GNUstep)
-    set(system_libraries vantrel_override_record vantrel_gnustep vantrel_linux)
+    set(system_libraries vantrel_gnustep vantrel_linux KVRXMetadataDictionary)
     # Compiled here, so that it can't rot; nothing links it.
     add_library(macos_services OBJECT SystemServicesApple.mm)
-    target_link_libraries(macos_services PRIVATE vantrel_pane vantrel_cocoa_overrides)
+    target_link_libraries(macos_services PRIVATE vantrel_pane vantrel_cocoa_overrides vantrel_cocoa)
 endif()
 
-add_library(pane MODULE ConnectedPane.mm PrincipalClass.mm SystemServices${system}.mm)
-target_link_libraries(pane PRIVATE vantrel_pane vantrel_cocoa ${system_libraries} preferencepanes)
+add_library(pane MODULE PrincipalClass.mm SystemServices${system}.mm)
+target_link_libraries(pane PRIVATE vantrel_pane vantrel_cocoa_overrides vantrel_cocoa ${system_libraries} preferencepanes)
 set_target_properties(pane PROPERTIES OUTPUT_NAME Vantrel PREFIX "" SUFFIX "")
 
 if(APPLE)

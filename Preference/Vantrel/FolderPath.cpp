@@ -3,17 +3,16 @@
 namespace vantrel {
 
 void FolderPath::takeDefault(Bundle& bundle) {
-    const auto& text = std::get<LocalizedText>(members_.key.setUpDefault);
-    members_.committed.set(bundle.localizedStringForKey(text.key, text.fallback));
+    if (const auto* text = std::get_if<LocalizedText>(&members_.key.setUpDefault)) {
+        members_.committed.set(bundle.localizedStringForKey(text->key, text->fallback));
+    }
 }
 
-void FolderPath::setUp(SettingsStore& store) {
-    if (const auto stored = store.textForKey(members_.key.name)) {
-        members_.committed.set(*stored);
-    } else {
-        store.setValueForKey(members_.committed.value().value_or(""), members_.key.name);
-    }
+Reading FolderPath::setUp(SettingsStore& store, const SettingsKey& row) {
+    Reading reading = store.repair(row, {.defaultText = members_.committed.value().value_or("")});
+    if (reading.text() && !reading.isAbsent) members_.committed.set(*reading.text());
     members_.field.setStringValue(members_.committed.value().value_or(""));
+    return reading;
 }
 
 void FolderPath::textDidChange() {
@@ -25,8 +24,7 @@ void FolderPath::textDidChange() {
 void FolderPath::confirm(SettingsStore& store) {
     const std::string text = members_.field.stringValue();
     members_.committed.set(text);
-    store.setValueForKey(text, members_.key.name);
-    store.synchronize();
+    store.change(members_.key, text);
     disableButtons();
 }
 

@@ -25,9 +25,9 @@ public:
     /// Makes the bundle's localised default the committed text.
     void takeDefault(Bundle& bundle);
 
-    /// Commits the stored text, or writes the default where no text is stored, without synchronising, and shows it.
-    /// The buttons keep the state of the interface file.
-    void setUp(SettingsStore& store);
+    /// Commits the stored text, or the default where no text is stored, repairing the key as its row says, and shows
+    /// it. The buttons keep the state of the interface file.
+    Reading setUp(SettingsStore& store, const SettingsKey& row);
 
     /// Enables both buttons if the field is the one being edited; what it holds makes no difference.
     void textDidChange();
@@ -37,6 +37,8 @@ public:
 
     /// Shows the committed text again and disables the buttons; nothing is written.
     void undo();
+
+    const SettingsKey& key() const { return members_.key; }
 
 private:
     void disableButtons();

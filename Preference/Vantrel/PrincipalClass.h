@@ -3,13 +3,14 @@
 #import <AppKit/AppKit.h>
 #import <PreferencePanes/PreferencePanes.h>
 
-#include "Preference/Vantrel/VantrelPref.h"
+namespace vantrel {
+class VantrelPref;
+}
 
 /// The bundle's principal class: the outlets, the actions, and the operations on the settings, each handed to the
 /// pane's logic, vantrel::VantrelPref. The interface file connects outlets and actions by these names.
 __attribute__((visibility("default")))
 @interface VantrelPref : NSPreferencePane {
-   @public  // for ConnectedPane, which hands them to the logic
     IBOutlet NSButton *colorMatrix;
     IBOutlet NSButton *gamma;
     IBOutlet NSButton *look;

@@ -1,8 +1,27 @@
 #pragma once
 
-#include "Preference/Vantrel/VantrelPref.h"
+#include "overrides/OverrideMetadata.h"
+#include "platform/Alerts.h"
+#include "platform/Files.h"
+#include "platform/Log.h"
+#include "platform/Notifications.h"
+#include "platform/Preferences.h"
+#include "platform/Processors.h"
+#include "platform/PropertyLists.h"
 
 namespace vantrel {
+
+/// What the pane needs of the system.
+struct Services {
+    Preferences& preferences;
+    OverrideMetadata& overrides;
+    Processors& processors;
+    Files& files;
+    PropertyLists& propertyLists;
+    Alerts& alerts;
+    Log& log;
+    Notifications& notifications;
+};
 
 /// The services of the system that this build is for, which live as long as the process.
 const Services& systemServices();

@@ -1,5 +1,6 @@
 #include "Preference/Vantrel/SystemServices.h"
-#include "overrides/OverrideRecord.h"
+#import "overrides/KVRXMetadataDictionary/MetadataDictionary.h"
+#import "overrides/MetadataDictionaryOverrides.h"
 #import "platform/cocoa/CocoaFolders.h"
 #import "platform/cocoa/CocoaSystem.h"
 #include "platform/gnustep/GNUstepPreferences.h"
@@ -12,14 +13,14 @@ namespace vantrel {
 const Services& systemServices() {
     static cocoa::CocoaLog log;
     static gnustep::GNUstepPreferences preferences(cocoa::defaultsFolder(), log);
-    static OverrideRecordClass overrideRecord(cocoa::applicationSupportFolder());
+    static MetadataDictionaryOverrides overrides([MetadataDictionary class]);
     static linux::SysfsProcessors processors;
     static posix::PosixFiles files;
     static gnustep::GNUstepPropertyLists propertyLists;
     static cocoa::CocoaAlerts alerts;
     static cocoa::CocoaNotifications notifications;
-    static const Services services{preferences,   overrideRecord, processors, files,
-                                   propertyLists, alerts,         log,        notifications};
+    static const Services services{preferences,   overrides, processors, files,
+                                   propertyLists, alerts,    log,        notifications};
     return services;
 }
 

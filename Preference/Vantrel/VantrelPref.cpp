@@ -1,74 +1,166 @@
 #include "Preference/Vantrel/VantrelPref.h"
 
+#include "host/StereoStatusNotification.h"
+
 namespace vantrel {
 
-VantrelPref::VantrelPref(const InstanceVariables& variables, const Services& services)
-    : variables_(variables),
+VantrelPref::VantrelPref(Outlets& outlets, const Services& services, std::span<const SettingsKey> table)
+    : outlets_(outlets),
       services_(services),
-      store_(services.preferences, variables.appID),
-      luts_({variables.LUTsPath, variables.LUTsOK, variables.LUTsUndo, variables.LUTsPathString, keys::lutsPath}),
-      override_({variables.overridePath, variables.overrideOK, variables.overrideUndo, variables.overridePathString,
-                 keys::overridePath}),
+      table_(table),
+      store_(services.preferences),
+      luts_({outlets.textField("_LUTsPath"), outlets.pushButton("_LUTsOK"), outlets.pushButton("_LUTsUndo"),
+             outlets.string("_LUTsPathString"), key("LUTsPath")}),
+      overrides_({outlets.textField("_overridePath"), outlets.pushButton("_overrideOK"),
+                  outlets.pushButton("_overrideUndo"), outlets.string("_overridePathString"), key("OverridePath")}),
       enablerSwitch_(services.files, services.propertyLists, services.alerts, services.log, store_) {}
 
 void VantrelPref::initWithBundle(Bundle& bundle) {
-    variables_.versionString.clear();
-    variables_.appID.set(codecApplicationID);
+    auto& versionString = outlets_.string("_versionString");
+    versionString.clear();
+    outlets_.string("appID").set(codecApplicationID);
     luts_.takeDefault(bundle);
-    override_.takeDefault(bundle);
+    overrides_.takeDefault(bundle);
     if (const auto version = bundle.infoString("CFBundleShortVersionString")) {
-        variables_.versionNumber.setStringValue(*version);
-        variables_.versionString.set(*version);
+        versionString.set(*version);
+        showVersion();
     }
 }
 
 void VantrelPref::mainViewDidLoad() {
-    setUpVersion();
-    const auto overrides = services_.metadataDictionaryClass.initFromOverride();
-    setUpChromaFilter(overrides.get());
-    const bool encoderLimitWasMissing = setUpEncodeThreads();
-    setUpDecodeThreads(overrides.get());
-    setUpColorProcessing(encoderLimitWasMissing);
-    setUpFlags();
-    luts_.setUp(store_);
-    override_.setUp(store_);
-    setUpDemosaic();
-    setUpRealTimeEnabler();
-    setUpSourceSettings();
+    showVersion();
+    const auto overrides = services_.overrides.load();
+    showChromaFilter(overrides.get());
+    fillThreadMenus();
+    const bool encoderLimitWasAbsent = setUpGroup(Group::encoder);
+    showDecodeThreads(overrides.get());
+    setUpColorProcessing(encoderLimitWasAbsent);
+    setUpGroup(Group::flags);
+    setUpGroup(Group::folders);
+    setUpGroup(Group::demosaic);
+    setUpGroup(Group::hosts);
 }
 
-void VantrelPref::setUpVersion() {
-    if (const auto version = variables_.versionString.value()) variables_.versionNumber.setStringValue(*version);
+void VantrelPref::showVersion() {
+    const auto version = outlets_.string("_versionString").value();
+    if (version) outlets_.textField("_versionNumber").setStringValue(*version);
 }
 
-/// The flags of several groups are set up together, so that all their defaults cost one synchronise.
-void VantrelPref::setUpFlags() {
-    const struct {
-        CheckBox& control;
-        const SettingsKey& key;
-    } flags[] = {
-        {variables_.fmtYUV8Bit, keys::yuv8},
-        {variables_.fmtYUV8BitA, keys::yuv8Alpha},
-        {variables_.fmtYUV16Bit, keys::yuv16},
-        {variables_.fmtYUV32Bit, keys::yuv32},
-        {variables_.fmtRGB8Bit, keys::rgb8},
-        {variables_.fmtRGB16Bit, keys::rgb16},
-        {variables_.fmtRGB32Bit, keys::rgb32},
-        {variables_.fmtFCPLetterbox, keys::fcpLetterbox},
-        {variables_.showStereoStatus, keys::showStereoStatus},
-    };
+/// Repairs all keys of a group, whichever of them are absent, and synchronises once for all. Returns whether any was.
+bool VantrelPref::setUpGroup(Group group) {
+    bool synchronizes = false;
+    bool wasAbsent = false;
+    for (const auto& key : table_) {
+        if (key.group != group) continue;
+        const Reading reading = setUp(key);
+        synchronizes |= reading.synchronizes;
+        wasAbsent |= reading.isAbsent;
+    }
+    if (synchronizes) store_.synchronize();
+    return wasAbsent;
+}
+
+/// Repairs a key of the table and puts it into its control.
+Reading VantrelPref::setUp(const SettingsKey& key) {
+    switch (key.kind) {
+        case Kind::flag:
+            return setUp(outlets_.checkBox(key.outlet), key);
+        case Kind::row:
+            return setUp(outlets_.radioMatrix(key.outlet), key);
+        case Kind::item:
+        case Kind::limit:
+            return setUp(outlets_.popUpButton(key.outlet), key);
+        case Kind::text:
+            return (key.name == luts_.key().name ? luts_ : overrides_).setUp(store_, key);
+        case Kind::bits:
+            return store_.repair(key);
+    }
+    return {};
+}
+
+Reading VantrelPref::setUp(CheckBox& control, const SettingsKey& key) {
+    Reading reading = store_.repair(key);
+    if (const auto* flag = reading.flag()) control.setState(*flag ? onState : offState);
+    if (key.group == Group::hosts) control.setEnabled(true);
+    return reading;
+}
+
+Reading VantrelPref::setUp(RadioMatrix& control, const SettingsKey& key) {
+    Reading reading = store_.repair(key, {.choices = static_cast<std::int32_t>(control.numberOfRows())});
+    const auto* row = reading.index();
+    if (row && reading.isAbsent) {
+        control.setStateAtRow(onState, *row, 0);
+    } else if (row) {
+        control.selectCellAtRow(*row, 0);
+    }
+    return reading;
+}
+
+Reading VantrelPref::setUp(PopUpButton& control, const SettingsKey& key) {
+    Reading reading = store_.repair(key, {.choices = cores_});
+    if (const auto* index = reading.index()) control.selectItemAtIndex(*index);
+    return reading;
+}
+
+bool VantrelPref::setUpFlag(CheckBox& control, std::string_view name) {
+    const SettingsKey key{name, Kind::flag, true, Repair::written, Group::untouched, {}};
+    return setUp(control, key).repair.has_value();
+}
+
+bool VantrelPref::setUpRow(RadioMatrix& control, std::string_view name) {
+    const SettingsKey key{name, Kind::row, 0L, Repair::written, Group::untouched, {}};
+    return setUp(control, key).repair.has_value();
+}
+
+/// One write of `ColorProcessingPath` and one synchronise serve the stages and the gamma corrections together. The
+/// write is also asked for by a missing encoder limit, but only when `ColorProcessingPath` is missing too: a readable
+/// value takes that back. A missing one alone is no reason to write.
+void VantrelPref::setUpColorProcessing(bool encoderLimitWasAbsent) {
     bool wrote = false;
-    for (const auto& flag : flags) wrote |= store_.initPrefCheckForKey(flag.control, flag.key.name);
-    if (wrote) store_.synchronize();
+    bool synchronizes = false;
+    long stages = 0;
+    for (const auto& key : table_) {
+        if (key.group != Group::color) continue;
+        const Reading reading = setUp(key);
+        if (key.repair == Repair::ifAsked) wrote = synchronizes = encoderLimitWasAbsent && reading.isAbsent;
+        if (!reading.repair) continue;
+        wrote = true;
+        synchronizes |= reading.synchronizes;
+        // Bit 0 belongs to the check boxes' actions alone.
+        const auto* stage = std::get_if<colorProcessingPath::Stage>(&key.path);
+        if (stage && reading.flag() && *reading.flag()) stages |= colorProcessingPath::maskOfBit(stage->bit);
+    }
+    if (wrote) store_.addToPath(stages);
+    if (synchronizes) store_.synchronize();
 }
 
-/// Shows and enables a flag whose default is written without a synchronise of its own.
-void VantrelPref::setUpLazily(CheckBox& control, const SettingsKey& key) {
-    const auto stored = store_.flagForKey(key.name);
-    const bool shown = stored.value_or(std::get<bool>(key.setUpDefault));
-    control.setState(shown ? onState : offState);
-    if (!stored) store_.setValueForKey(shown, key.name);
-    control.setEnabled(true);
+void VantrelPref::clicked(const CheckBox& sender, const SettingsKey& key) {
+    store_.change(key, truthOf(sender.state()));
+}
+
+void VantrelPref::chosen(const PopUpButton& sender, const SettingsKey& key) {
+    store_.change(key, sender.indexOfSelectedItem());
+}
+
+void VantrelPref::rowChosen(const SettingsKey& key) {
+    store_.change(key, outlets_.radioMatrix(key.outlet).selectedRow());
+}
+
+/// The value is stored before it is announced: who reads it on receipt finds the new one.
+void VantrelPref::stereoStatusClicked(const CheckBox& sender) {
+    clicked(sender, key("ShowStereoStatusMenu"));
+    postStereoStatusChange(services_.notifications, services_.log);
+}
+
+void VantrelPref::realTimeEnablerClicked(CheckBox& sender) {
+    if (const auto shown = enablerSwitch_.turn(sender.state() != offState)) {
+        sender.setState(*shown ? onState : offState);
+    }
+}
+
+void VantrelPref::textDidChange() {
+    luts_.textDidChange();
+    overrides_.textDidChange();
 }
 
 }  // namespace vantrel

@@ -1,38 +1,25 @@
 #pragma once
 
+#include <span>
+
 #include "Preference/Vantrel/FolderPath.h"
-#include "Preference/Vantrel/InstanceVariables.h"
+#include "Preference/Vantrel/SystemServices.h"
 #include "host/EnablerSwitch.h"
-#include "host/StereoStatusNotification.h"
-#include "overrides/MetadataDictionary.h"
 #include "platform/Bundle.h"
-#include "platform/Processors.h"
-#include "settings/ColorProcessingPath.h"
+#include "platform/Controls.h"
 #include "settings/KeyTable.h"
 #include "settings/SettingsStore.h"
 
 namespace vantrel {
 
-/// What the pane needs of the system.
-struct Services {
-    Preferences& preferences;
-    MetadataDictionaryClass& metadataDictionaryClass;
-    Processors& processors;
-    Files& files;
-    PropertyLists& propertyLists;
-    Alerts& alerts;
-    Log& log;
-    Notifications& notifications;
-};
-
 /// The settings pane: puts each control into the state of its key once, when the view has loaded, and writes a key
 /// each time its control changes. The stored settings are its only model.
 ///
-/// Everything is called on the host's main thread, and nothing reports an error. Each group of controls has a source
-/// file of its own; VantrelPref.cpp has the lifecycle and the order in which the groups are set up.
+/// Everything is called on the host's main thread, and nothing reports an error.
 class VantrelPref {
 public:
-    VantrelPref(const InstanceVariables& variables, const Services& services);
+    /// `table` has the keys whose controls are set up, in their order.
+    VantrelPref(Outlets& outlets, const Services& services, std::span<const SettingsKey> table = keyTable);
 
     /// Takes application ID, default folders and version from the pane's bundle. The outlets are not yet connected.
     void initWithBundle(Bundle& bundle);
@@ -44,69 +31,55 @@ public:
     /// The operations on the settings, which the pane's Objective-C class offers as its own.
     SettingsStore& store() { return store_; }
 
-    // Pixel formats and host applications
-    void fmtRGB8BitCheckBox(const CheckBox& sender);
-    void fmtRGB16BitCheckBox(const CheckBox& sender);
-    void fmtRGB32BitCheckBox(const CheckBox& sender);
-    void fmtYUV8BitCheckBox(const CheckBox& sender);
-    void fmtYUV16BitCheckBox(const CheckBox& sender);
-    void fmtYUV32BitCheckBox(const CheckBox& sender);
-    void fmtYUV8BitACheckBox(const CheckBox& sender);
-    void fmtDualStream3DCheckBox(const CheckBox& sender);
-    void fmtFCPLetterboxCheckBox(const CheckBox& sender);
-    void cs5SourceSettingsCheck(const CheckBox& sender);
-    void fmtFCPGammaRadioButton();
-    void fmtQTGammaRadioButton();
+    /// Puts a check box into the state of any flag; one that is absent or mistyped shows on, and true is written.
+    /// Returns whether it wrote. Never synchronises.
+    bool setUpFlag(CheckBox& control, std::string_view key);
 
-    // Colour processing
-    void colorMatrixCheckBox(const CheckBox& sender);
-    void gammaCheckBox(const CheckBox& sender);
-    void lookCheckBox(const CheckBox& sender);
-    void whiteBalanceCheckBox(const CheckBox& sender);
-    void precisionDemosaicSelect(const PopUpButton& sender);
-    void presentationDemosaicSelect(const PopUpButton& sender);
+    /// Selects the row that any integer names; row 0, and 0 is written, where it is absent or mistyped or the matrix
+    /// has no such row. Returns whether it wrote. Never synchronises.
+    bool setUpRow(RadioMatrix& control, std::string_view key);
 
-    // Decoding and threads
-    void encodeThreadLimitChange(const PopUpButton& sender);
-    void decodeThreadLimitChange(const PopUpButton& sender);
-    void filter422To444Button(const CheckBox& sender);
+    /// The user clicked the check box of a flag.
+    void clicked(const CheckBox& sender, const SettingsKey& key);
 
-    // Folder paths
-    void controlTextDidChange();
-    void LUTsOKUpdate();
-    void LUTSUndoUpdate();
-    void overrideOKUpdate();
-    void overrideUndoUpdate();
+    /// The user chose an item of the menu of an index.
+    void chosen(const PopUpButton& sender, const SettingsKey& key);
 
-    // Real-time enabler
-    void fcpRTEnableCheckBox(CheckBox& sender);
+    /// The user chose a row of the radio matrix of an index. The matrix itself is asked, for the sender may be a cell;
+    /// one without a selection stores -1.
+    void rowChosen(const SettingsKey& key);
 
-    // Stereo status
-    void stereoModeStatusViewChange(const CheckBox& sender);
+    void stereoStatusClicked(const CheckBox& sender);
+    void realTimeEnablerClicked(CheckBox& sender);
+    void chromaFilterClicked(const CheckBox& sender);
+    void decodeThreadsChosen(const PopUpButton& sender);
+
+    /// Some folder's field was edited; which one, only the fields themselves tell.
+    void textDidChange();
+
+    FolderPath& luts() { return luts_; }
+    FolderPath& overrides() { return overrides_; }
 
 private:
-    void setUpVersion();
-    void setUpChromaFilter(MetadataDictionary* overrides);
-    bool setUpEncodeThreads();
-    void setUpDecodeThreads(MetadataDictionary* overrides);
-    void setUpColorProcessing(bool encoderLimitWasMissing);
-    bool setUpGammaCorrection();
-    void setUpFlags();
-    void setUpDemosaic();
-    void setUpRealTimeEnabler();
-    void setUpSourceSettings();
-    void setUpLazily(CheckBox& control, const SettingsKey& key);
+    Reading setUp(const SettingsKey& key);
+    Reading setUp(CheckBox& control, const SettingsKey& key);
+    Reading setUp(RadioMatrix& control, const SettingsKey& key);
+    Reading setUp(PopUpButton& control, const SettingsKey& key);
+    bool setUpGroup(Group group);
+    void setUpColorProcessing(bool encoderLimitWasAbsent);
+    void showVersion();
+    void showChromaFilter(LoadedOverrides* loaded);
+    void showDecodeThreads(LoadedOverrides* loaded);
+    void fillThreadMenus();
 
-    void updateFlag(const CheckBox& sender, const SettingsKey& key);
-    void updateRow(const RadioMatrix& matrix, const SettingsKey& key);
-    void updateStage(const CheckBox& sender, const SettingsKey& key, std::int32_t bit);
-    void updateDemosaic(const PopUpButton& sender, const SettingsKey& key, colorProcessingPath::DemosaicField field);
-
-    InstanceVariables variables_;
+    Outlets& outlets_;
     Services services_;
+    std::span<const SettingsKey> table_;
+    /// As the thread menus offer them: 1 to 32.
+    std::int32_t cores_ = 1;
     SettingsStore store_;
     FolderPath luts_;
-    FolderPath override_;
+    FolderPath overrides_;
     EnablerSwitch enablerSwitch_;
 };
 

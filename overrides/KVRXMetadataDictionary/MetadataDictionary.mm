@@ -1,6 +1,6 @@
 #import "overrides/KVRXMetadataDictionary/MetadataDictionary.h"
 
-#include "overrides/OverrideRecord.h"
+#include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
 #import "platform/cocoa/CocoaFolders.h"
 #import "platform/cocoa/CocoaText.h"
 

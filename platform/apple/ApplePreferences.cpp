@@ -41,6 +41,13 @@ void ApplePreferences::setAppValue(std::string_view key, const NewPreferenceValu
     CFPreferencesSetAppValue(makeString(key).get(), makeValue(value).get(), makeString(applicationID).get());
 }
 
+PreferenceValue ApplePreferences::updateAppValue(std::string_view key, const PreferenceChange& change,
+                                                 std::string_view applicationID) {
+    PreferenceValue stored = copyAppValue(key, applicationID);
+    if (const auto value = change(stored)) setAppValue(key, *value, applicationID);
+    return stored;
+}
+
 bool ApplePreferences::synchronize(std::string_view applicationID) {
     return CFPreferencesSynchronize(makeString(applicationID).get(), kCFPreferencesCurrentUser,
                                     kCFPreferencesAnyHost) != 0;

@@ -10,6 +10,8 @@ class ApplePreferences : public Preferences {
 public:
     PreferenceValue copyAppValue(std::string_view key, std::string_view applicationID) override;
     void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) override;
+    PreferenceValue updateAppValue(std::string_view key, const PreferenceChange& change,
+                                   std::string_view applicationID) override;
     bool synchronize(std::string_view applicationID) override;
 };
 

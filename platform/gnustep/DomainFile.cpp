@@ -1,6 +1,5 @@
 #include "platform/gnustep/DomainFile.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <ctime>
@@ -23,6 +22,23 @@ std::string universalTime(const struct timespec& time) {
     return {text.data(), std::strftime(text.data(), text.size(), "%Y%m%dT%H%M%SZ", &parts)};
 }
 
+/// One change, and then another on what it made.
+PreferenceChange inTurn(const PreferenceChange& first, const PreferenceChange& second) {
+    return [first, second](const PreferenceValue& stored) {
+        const auto between = first(stored);
+        const auto last = second(between ? asStored(*between) : stored);
+        return last ? last : between;
+    };
+}
+
+PropertyList listOf(std::string_view key, const NewPreferenceValue& value) {
+    PropertyList list;
+    if (const auto* flag = std::get_if<bool>(&value)) list.setBoolean(key, *flag);
+    if (const auto* number = std::get_if<long>(&value)) list.setInteger(key, *number);
+    if (const auto* text = std::get_if<std::string>(&value)) list.setString(key, *text);
+    return list;
+}
+
 }  // namespace
 
 DomainFile::DomainFile(posix::SystemCalls& calls, Log& log, std::string folder, std::string_view name)
@@ -33,38 +49,36 @@ DomainFile::DomainFile(posix::SystemCalls& calls, Log& log, std::string folder, 
       file_(calls, path_) {}
 
 PreferenceValue DomainFile::value(std::string_view key) {
-    auto value = pending_.value(key);
-    if (!std::holds_alternative<Absent>(value)) return value;
     file_.refresh();
-    return file_.list().value(key);
+    auto stored = file_.list().value(key);
+    const auto pending = pending_.find(key);
+    const auto changed = pending == pending_.end() ? std::nullopt : pending->second(stored);
+    return changed ? asStored(*changed) : stored;
 }
 
 void DomainFile::setValue(std::string_view key, const NewPreferenceValue& value) {
-    if (const auto* flag = std::get_if<bool>(&value)) {
-        pending_.setBoolean(key, *flag);
-    } else if (const auto* number = std::get_if<long>(&value)) {
-        pending_.setInteger(key, *number);
-    } else {
-        pending_.setString(key, std::get<std::string>(value));
-    }
+    pending_.insert_or_assign(std::string(key), [value](const PreferenceValue&) { return value; });
+}
+
+void DomainFile::update(std::string_view key, const PreferenceChange& change) {
+    auto& pending = pending_[std::string(key)];
+    pending = pending ? inTurn(pending, change) : change;
 }
 
 bool DomainFile::synchronize() {
     // Looked at once without the lock: often there is nothing to do.
     auto state = file_.refresh();
-    if (isDone()) {
-        pending_ = {};
+    auto list = changed();
+    if (!list) {
+        pending_.clear();
         return true;
     }
     if (state == CachedPropertyList::State::unreadable) return false;
 
-    PropertyList list;
     std::string bytes;
     std::optional<posix::FileReplacement> replacement;
     const auto prepare = [&] {
-        list = file_.list();
-        for (const auto& key : pending_.keys()) list.copyEntry(key, pending_);
-        bytes = list.toXML();
+        bytes = list->toXML();
         replacement.emplace(calls_, path_);
         return replacement->prepare(bytes) == 0;
     };
@@ -78,28 +92,38 @@ bool DomainFile::synchronize() {
     if (!lock.take()) return false;
     state = file_.refresh();
     if (state == CachedPropertyList::State::unreadable) return false;
-    if (isDone()) {
-        pending_ = {};
-        return true;
+    if (!isPrepared || file_.revision() != preparedFor) {
+        list = changed();
+        if (!list) {
+            pending_.clear();
+            return true;
+        }
+        if (!prepare()) return false;
     }
-    if ((!isPrepared || file_.revision() != preparedFor) && !prepare()) return false;
 
     if (state == CachedPropertyList::State::damaged && !keepAside(replacement->target())) return false;
     struct stat status {};
     if (replacement->place(&status) != 0) return false;
     lock.release();
 
-    file_.wasReplaced(std::move(list), std::move(bytes), status);
-    pending_ = {};
+    file_.wasReplaced(std::move(*list), std::move(bytes), status);
+    pending_.clear();
     mustReplaceAgain_ = replacement->settle() != 0;
     return !mustReplaceAgain_;
 }
 
-bool DomainFile::isDone() const {
-    const auto keys = pending_.keys();
-    return !mustReplaceAgain_ && std::all_of(keys.begin(), keys.end(), [this](const std::string& key) {
-        return file_.list().hasSameEntry(key, pending_);
-    });
+std::optional<PropertyList> DomainFile::changed() const {
+    if (pending_.empty() && !mustReplaceAgain_) return std::nullopt;
+    PropertyList list = file_.list();
+    bool differs = mustReplaceAgain_;
+    for (const auto& [key, change] : pending_) {
+        const auto value = change(list.value(key));
+        if (!value) continue;
+        const PropertyList wanted = listOf(key, *value);
+        differs |= !list.hasSameEntry(key, wanted);
+        list.copyEntry(key, wanted);
+    }
+    return differs ? std::optional(std::move(list)) : std::nullopt;
 }
 
 bool DomainFile::keepAside(const std::string& path) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,14 +28,18 @@ public:
     /// Changes nothing but what is read here, until `synchronize`.
     void setValue(std::string_view key, const NewPreferenceValue& value);
 
+    /// The same with what `change` makes of the value that is there by then.
+    void update(std::string_view key, const PreferenceChange& change);
+
     /// Puts the values set here into the file, each under its key, and leaves all other entries as they are. Doesn't
     /// write when the file has those values already. A file that holds something else than a property list is kept
     /// under another name. False when the values couldn't be made lasting: the next call tries again.
     bool synchronize();
 
 private:
-    /// Whether the file has every value set here, and for good.
-    bool isDone() const;
+    /// What the file is to hold: its list with every change that was made here. Nothing where it holds all that, and
+    /// for good.
+    std::optional<PropertyList> changed() const;
 
     /// Renames a damaged file to a free name beside it and logs that.
     bool keepAside(const std::string& path);
@@ -43,8 +49,8 @@ private:
     std::string folder_;
     std::string path_;
     CachedPropertyList file_;
-    /// The values set here that the file doesn't have yet.
-    PropertyList pending_;
+    /// What was changed here and isn't in the file yet.
+    std::map<std::string, PreferenceChange, std::less<>> pending_;
     /// Whether the file may fall back to an older one in a power cut, because it couldn't be written through.
     bool mustReplaceAgain_ = false;
 };

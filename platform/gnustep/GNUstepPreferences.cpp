@@ -8,13 +8,27 @@ GNUstepPreferences::GNUstepPreferences(std::string folder, Log& log, posix::Syst
     : folder_(std::move(folder)), log_(log), calls_(calls) {}
 
 PreferenceValue GNUstepPreferences::copyAppValue(std::string_view key, std::string_view applicationID) {
-    auto value = domain(applicationID).value(key);
+    return orGlobal(key, domain(applicationID).value(key));
+}
+
+PreferenceValue GNUstepPreferences::orGlobal(std::string_view key, PreferenceValue value) {
     return std::holds_alternative<Absent>(value) ? domain("NSGlobalDomain").value(key) : value;
 }
 
 void GNUstepPreferences::setAppValue(std::string_view key, const NewPreferenceValue& value,
                                      std::string_view applicationID) {
     domain(applicationID).setValue(key, value);
+}
+
+PreferenceValue GNUstepPreferences::updateAppValue(std::string_view key, const PreferenceChange& change,
+                                                   std::string_view applicationID) {
+    PreferenceValue stored = copyAppValue(key, applicationID);
+    if (change(stored)) {
+        domain(applicationID).update(key, [this, change, name = std::string(key)](const PreferenceValue& value) {
+            return change(orGlobal(name, value));
+        });
+    }
+    return stored;
 }
 
 bool GNUstepPreferences::synchronize(std::string_view applicationID) {

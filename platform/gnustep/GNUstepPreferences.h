@@ -20,10 +20,14 @@ public:
 
     PreferenceValue copyAppValue(std::string_view key, std::string_view applicationID) override;
     void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) override;
+    PreferenceValue updateAppValue(std::string_view key, const PreferenceChange& change,
+                                   std::string_view applicationID) override;
     bool synchronize(std::string_view applicationID) override;
 
 private:
     DomainFile& domain(std::string_view name);
+    /// `value`, or what the user's global domain has under `key` where there is none.
+    PreferenceValue orGlobal(std::string_view key, PreferenceValue value);
 
     std::string folder_;
     Log& log_;

@@ -42,7 +42,14 @@ public:
 
     void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) override {
         journal_.record("write " + std::string(key) + " = " + describe(value));
-        domains_[std::string(applicationID)].insert_or_assign(std::string(key), asRead(value));
+        domains_[std::string(applicationID)].insert_or_assign(std::string(key), asStored(value));
+    }
+
+    PreferenceValue updateAppValue(std::string_view key, const PreferenceChange& change,
+                                   std::string_view applicationID) override {
+        PreferenceValue stored = copyAppValue(key, applicationID);
+        if (const auto value = change(stored)) setAppValue(key, *value, applicationID);
+        return stored;
     }
 
     bool synchronize(std::string_view applicationID) override {
@@ -69,12 +76,6 @@ public:
     bool synchronizes = true;
 
 private:
-    static PreferenceValue asRead(const NewPreferenceValue& value) {
-        if (const auto* flag = std::get_if<bool>(&value)) return *flag;
-        if (const auto* number = std::get_if<long>(&value)) return Number{*number};
-        return std::get<std::string>(value);
-    }
-
     Journal& journal_;
     std::map<std::string, Domain> domains_;
     std::map<std::string, Domain> synchronized_;

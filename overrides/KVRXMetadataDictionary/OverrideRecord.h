@@ -1,10 +1,8 @@
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string>
 
-#include "overrides/MetadataDictionary.h"
 #include "platform/gnustep/PropertyList.h"
 #include "platform/posix/SystemCalls.h"
 
@@ -33,20 +31,6 @@ private:
     std::string path_;
     posix::SystemCalls& calls_;
     gnustep::PropertyList entries_;
-};
-
-/// Override metadata from the record.
-class OverrideRecordClass : public MetadataDictionaryClass {
-public:
-    explicit OverrideRecordClass(std::string applicationSupportFolder,
-                                 posix::SystemCalls& calls = posix::SystemCalls::real())
-        : folder_(std::move(applicationSupportFolder)), calls_(calls) {}
-
-    std::unique_ptr<MetadataDictionary> initFromOverride() override;
-
-private:
-    std::string folder_;
-    posix::SystemCalls& calls_;
 };
 
 }  // namespace vantrel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "platform/Preferences.h"
+#include "settings/KeyTable.h"
+
+namespace vantrel {
+
+/// What a key's reading depends on beside its row and its value.
+struct Surroundings {
+    /// How many rows the radio matrix has, or how many cores the machine: 1 to 32.
+    std::int32_t choices = 0;
+    /// The default of a text.
+    std::string defaultText = {};
+};
+
+/// What a stored value comes to.
+struct Reading {
+    /// Whether the value counts as absent: it is missing, mistyped, or can't be read as a `long`.
+    bool isAbsent = false;
+    /// What the control is to show; nothing where it is to keep its state.
+    std::optional<NewPreferenceValue> shown;
+    /// What is to be stored instead, if anything, when the view is set up, and whether that is to be synchronised with
+    /// its group.
+    std::optional<NewPreferenceValue> repair;
+    bool synchronizes = false;
+
+    /// What is shown, if it is of that type.
+    const bool* flag() const { return shown ? std::get_if<bool>(&*shown) : nullptr; }
+    const long* index() const { return shown ? std::get_if<long>(&*shown) : nullptr; }
+    const std::string* text() const { return shown ? std::get_if<std::string>(&*shown) : nullptr; }
+};
+
+/// Reads a value as its key's row says. Writes nothing.
+Reading readingOf(const SettingsKey& key, const PreferenceValue& stored, const Surroundings& surroundings = {});
+
+}  // namespace vantrel
