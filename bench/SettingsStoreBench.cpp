@@ -89,16 +89,12 @@ void run(const std::string& folder) {
     GNUstepPreferences preferences(folder, log);
     // A domain as the pane leaves it behind, with a value of each key's type.
     for (const auto& key : keyTable) {
-        switch (key.encoding) {
-            case Encoding::flag:
-                preferences.setAppValue(key.name, true, appID);
-                break;
-            case Encoding::integer:
-                preferences.setAppValue(key.name, 7L, appID);
-                break;
-            case Encoding::text:
-                preferences.setAppValue(key.name, std::string("/Library/Application Support/Vantrel/Folder"), appID);
-                break;
+        if (key.kind == Kind::flag) {
+            preferences.setAppValue(key.name, true, appID);
+        } else if (key.kind == Kind::text) {
+            preferences.setAppValue(key.name, std::string("/Library/Application Support/Vantrel/Folder"), appID);
+        } else {
+            preferences.setAppValue(key.name, 7L, appID);
         }
     }
     require(preferences.synchronize(appID), "synchronize");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/Controls.h"
 #include "settings/KeyTable.h"
 
 namespace vantrel {
@@ -40,11 +41,12 @@ std::string enablerPaths::versionEnabler(std::string_view versionTag) {
     return "/Library/Application Support/Vantrel/PLugins/RT Software Enabler" + std::string(versionTag) + ".txt";
 }
 
-std::optional<bool> EnablerSwitch::turn(bool on) {
+std::optional<long> EnablerSwitch::turn(long state) {
     const auto versionEnabler = findVersionEnabler();
-    if (!versionEnabler) return false;
-    if (!(on ? switchOn(*versionEnabler) : switchOff())) return !on;
-    store_.change(key("fcpRTEnableSwap"), on);
+    if (!versionEnabler) return offState;
+    const bool on = state != offState;
+    if (!(on ? switchOn(*versionEnabler) : switchOff())) return on ? offState : onState;
+    store_.change(key("fcpRTEnableSwap"), truthOf(state));
     return std::nullopt;
 }
 

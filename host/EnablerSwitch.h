@@ -45,10 +45,11 @@ public:
     EnablerSwitch(Files& files, PropertyLists& propertyLists, Alerts& alerts, Log& log, SettingsStore& store)
         : files_(files), propertyLists_(propertyLists), alerts_(alerts), log_(log), store_(store) {}
 
-    /// Swaps the files, and stores `on` once that succeeded. Nothing then; otherwise what the user is to be shown
-    /// instead. Without a Final Cut Pro of a version that there is an enabler for, an alert says so, and that is off,
-    /// whichever way was wanted. A file operation that fails is logged, and everything stays as it was.
-    std::optional<bool> turn(bool on);
+    /// Carries out what a check box in this state asks for (anything but off is on), and stores the state's truth once
+    /// that succeeded. Returns nothing then; otherwise the state that the check box has to show instead. Without a
+    /// Final Cut Pro of a version that there is an enabler for, an alert says so, and that is off, whichever way was
+    /// wanted. A file operation that fails is logged, and it is the opposite.
+    std::optional<long> turn(long state);
 
 private:
     std::optional<std::string> findVersionEnabler();

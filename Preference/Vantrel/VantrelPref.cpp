@@ -1,5 +1,7 @@
 #include "Preference/Vantrel/VantrelPref.h"
 
+#include <utility>
+
 #include "host/StereoStatusNotification.h"
 
 namespace vantrel {
@@ -98,6 +100,8 @@ Reading VantrelPref::setUp(RadioMatrix& control, const SettingsKey& key) {
 
 Reading VantrelPref::setUp(PopUpButton& control, const SettingsKey& key) {
     Reading reading = store_.repair(key, {.choices = cores_});
+    // A lowered limit is synchronised before it is shown.
+    if (std::exchange(reading.synchronizes, false)) store_.synchronize();
     if (const auto* index = reading.index()) control.selectItemAtIndex(*index);
     return reading;
 }
@@ -153,9 +157,7 @@ void VantrelPref::stereoStatusClicked(const CheckBox& sender) {
 }
 
 void VantrelPref::realTimeEnablerClicked(CheckBox& sender) {
-    if (const auto shown = enablerSwitch_.turn(sender.state() != offState)) {
-        sender.setState(*shown ? onState : offState);
-    }
+    if (const auto shown = enablerSwitch_.turn(sender.state())) sender.setState(*shown);
 }
 
 void VantrelPref::textDidChange() {

@@ -26,10 +26,15 @@ void CocoaLog::log(std::string_view line) {
 }
 
 void CocoaNotifications::postNotificationName(std::string_view name, std::string_view object, bool deliverImmediately) {
-    [[NSDistributedNotificationCenter defaultCenter] postNotificationName:toNSString(name)
-                                                                   object:toNSString(object)
-                                                                 userInfo:nil
-                                                       deliverImmediately:deliverImmediately];
+    @try {
+        [[NSDistributedNotificationCenter defaultCenter] postNotificationName:toNSString(name)
+                                                                       object:toNSString(object)
+                                                                     userInfo:nil
+                                                           deliverImmediately:deliverImmediately];
+    } @catch (NSException *exception) {
+        // GNUstep raises where it can't have the daemon that carries notifications.
+        NSLog(@"%@ could not be posted: %@", toNSString(name), [exception reason]);
+    }
 }
 
 std::string CocoaBundle::localizedStringForKey(std::string_view key, std::string_view value) {

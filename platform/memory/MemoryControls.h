@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,36 @@ public:
     void clear() override { text.reset(); }
 
     std::optional<std::string> text;
+};
+
+/// The outlets of a pane without a window, each made when it is first asked for.
+class MemoryOutlets : public Outlets {
+public:
+    explicit MemoryOutlets(Journal& journal) : journal_(journal) {}
+
+    MemoryCheckBox& checkBox(std::string_view name) override { return found(checkBoxes_, name); }
+    MemoryRadioMatrix& radioMatrix(std::string_view name) override { return found(radioMatrices_, name); }
+    MemoryPopUpButton& popUpButton(std::string_view name) override { return found(popUpButtons_, name); }
+    MemoryTextField& textField(std::string_view name) override { return found(textFields_, name); }
+    MemoryPushButton& pushButton(std::string_view name) override { return found(pushButtons_, name); }
+    MemoryString& string(std::string_view name) override { return strings_[std::string(name)]; }
+
+private:
+    template <typename Control>
+    using ByName = std::map<std::string, Control>;
+
+    template <typename Control>
+    Control& found(ByName<Control>& byName, std::string_view name) {
+        return byName.try_emplace(std::string(name), journal_, std::string(name)).first->second;
+    }
+
+    Journal& journal_;
+    ByName<MemoryCheckBox> checkBoxes_;
+    ByName<MemoryRadioMatrix> radioMatrices_;
+    ByName<MemoryPopUpButton> popUpButtons_;
+    ByName<MemoryTextField> textFields_;
+    ByName<MemoryPushButton> pushButtons_;
+    ByName<MemoryString> strings_;
 };
 
 }  // namespace vantrel::memory

@@ -11,10 +11,10 @@ using testing::ElementsAre;
 // Stages
 
 struct Stage : Rule {
-    std::string key;
+    SettingsKey key;
     long mask;
-    MemoryCheckBox MemoryPane::*outlet;
-    void (VantrelPref::*action)(const CheckBox&);
+
+    std::string name() const { return std::string(key.name); }
 };
 
 struct StageCheckBox : testing::TestWithParam<Stage> {
@@ -23,8 +23,7 @@ struct StageCheckBox : testing::TestWithParam<Stage> {
         ValidPane it;
         put(it.domain(), "ColorProcessingPath", {"", path});
         it.load();
-        (it.*GetParam().outlet).shown = state;
-        (it.pane.*GetParam().action)(it.*GetParam().outlet);
+        it.click(GetParam().key, state);
         return contents(it.preferences.synchronizedDomain("com.vantrel.codec"))["ColorProcessingPath"];
     }
 };
@@ -33,13 +32,11 @@ TEST_P(StageCheckBox, WritesItsKeyThenItsBitAndSynchronisesOnce) {
     ValidPane it;
     it.load();
     it.journal.clear();
-    (it.*GetParam().outlet).shown = onState;
-    (it.pane.*GetParam().action)(it.*GetParam().outlet);
-    (it.*GetParam().outlet).shown = offState;
-    (it.pane.*GetParam().action)(it.*GetParam().outlet);
-    EXPECT_THAT(it.journal.lines(), ElementsAre("write " + GetParam().key + " = true", "read ColorProcessingPath",
+    it.click(GetParam().key, onState);
+    it.click(GetParam().key, offState);
+    EXPECT_THAT(it.journal.lines(), ElementsAre("write " + GetParam().name() + " = true", "read ColorProcessingPath",
                                                 pathWritten(0x300001 | GetParam().mask), "synchronize",
-                                                "write " + GetParam().key + " = false", "read ColorProcessingPath",
+                                                "write " + GetParam().name() + " = false", "read ColorProcessingPath",
                                                 pathWritten(0x300001), "synchronize"));
 }
 
@@ -67,19 +64,19 @@ TEST_P(StageCheckBox, GoesByTheLowestByteOfTheSendersState) {
         it.load();
         MemoryCheckBox sender{it.journal, "sender"};
         sender.shown = state;
-        (it.*GetParam().outlet).shown = state == mixedState ? offState : onState;
-        (it.pane.*GetParam().action)(sender);
-        EXPECT_EQ(contents(it.domain())[GetParam().key], written);
+        it.box(GetParam().key.outlet).shown = state == mixedState ? offState : onState;
+        it.pane.clicked(sender, GetParam().key);
+        EXPECT_EQ(contents(it.domain())[GetParam().name()], written);
     }
 }
 
 TEST_P(StageCheckBox, ShowsItsKeyWhateverItsBit) {
     for (const bool flag : {true, false}) {
         ValidPane it;
-        it.domain()[GetParam().key] = flag;
+        it.domain()[GetParam().name()] = flag;
         it.domain()["ColorProcessingPath"] = Number{flag ? 0 : 0x2F};
         it.load();
-        EXPECT_EQ((it.*GetParam().outlet).shown, flag ? onState : offState);
+        EXPECT_EQ(it.box(GetParam().key.outlet).shown, flag ? onState : offState);
         EXPECT_THAT(it.journal.preferenceChanges(), ElementsAre());
     }
 }
@@ -87,21 +84,18 @@ TEST_P(StageCheckBox, ShowsItsKeyWhateverItsBit) {
 /// Unlike the action, the set-up doesn't add bit 0.
 TEST_P(StageCheckBox, MissingAtSetUpAddsItsBitWithoutBit0) {
     ValidPane it;
-    it.domain().erase(GetParam().key);
+    it.domain().erase(GetParam().name());
     it.domain().erase("ColorProcessingPath");
     it.load();
     EXPECT_THAT(it.journal.preferenceChanges(),
-                ElementsAre("write " + GetParam().key + " = true", pathWritten(GetParam().mask), "synchronize"));
+                ElementsAre("write " + GetParam().name() + " = true", pathWritten(GetParam().mask), "synchronize"));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    ColorProcessing, StageCheckBox,
-    testing::Values(
-        Stage{{"ColorMatrix"}, "colorMatrix", 0x2, &MemoryPane::colorMatrix, &VantrelPref::colorMatrixCheckBox},
-        Stage{{"WhiteBalance"}, "whiteBalance", 0x4, &MemoryPane::whiteBalance, &VantrelPref::whiteBalanceCheckBox},
-        Stage{{"Look"}, "look", 0x8, &MemoryPane::look, &VantrelPref::lookCheckBox},
-        Stage{{"Gamma"}, "gamma", 0x20, &MemoryPane::gamma, &VantrelPref::gammaCheckBox}),
-    ByRule());
+INSTANTIATE_TEST_SUITE_P(ColorProcessing, StageCheckBox,
+                         testing::Values(Stage{{"ColorMatrix"}, key("colorMatrix"), 0x2},
+                                         Stage{{"WhiteBalance"}, key("whiteBalance"), 0x4},
+                                         Stage{{"Look"}, key("look"), 0x8}, Stage{{"Gamma"}, key("gamma"), 0x20}),
+                         ByRule());
 
 TEST(ColorProcessing, AMissingStageIsAddedToTheStoredPath) {
     ValidPane it;
@@ -123,10 +117,10 @@ TEST(ColorProcessing, AMissingStageKeepsTheBitsOfTheStoredPathAboveBit31) {
 // Demosaic methods
 
 struct Demosaic : Rule {
-    std::string key;
+    SettingsKey key;
     int shift;
-    MemoryPopUpButton MemoryPane::*outlet;
-    void (VantrelPref::*action)(const PopUpButton&);
+
+    std::string name() const { return std::string(key.name); }
 };
 
 struct DemosaicPopUp : testing::TestWithParam<Demosaic> {
@@ -137,8 +131,7 @@ struct DemosaicPopUp : testing::TestWithParam<Demosaic> {
         ValidPane it;
         put(it.domain(), "ColorProcessingPath", {"", path});
         it.load();
-        (it.*GetParam().outlet).selected = index;
-        (it.pane.*GetParam().action)(it.*GetParam().outlet);
+        it.choose(GetParam().key, index);
         return contents(it.preferences.synchronizedDomain("com.vantrel.codec"))[key];
     }
 };
@@ -148,9 +141,8 @@ TEST_P(DemosaicPopUp, WritesItsKeyThenItsFieldAndSynchronisesOnce) {
     it.domain()["ColorProcessingPath"] = Number{0x2F};
     it.load();
     it.journal.clear();
-    (it.*GetParam().outlet).selected = 2;
-    (it.pane.*GetParam().action)(it.*GetParam().outlet);
-    EXPECT_THAT(it.journal.lines(), ElementsAre("write " + GetParam().key + " = 2", "read ColorProcessingPath",
+    it.choose(GetParam().key, 2);
+    EXPECT_THAT(it.journal.lines(), ElementsAre("write " + GetParam().name() + " = 2", "read ColorProcessingPath",
                                                 pathWritten(0x2F | field(2)), "synchronize"));
 }
 
@@ -158,7 +150,7 @@ TEST_P(DemosaicPopUp, StoresTheLowFourBitsOfItsIndex) {
     for (const auto& [index, method] :
          {std::pair{0L, 0L}, std::pair{1L, 1L}, std::pair{15L, 15L}, std::pair{16L, 0L}, std::pair{17L, 1L},
           std::pair{-1L, 0L}, std::pair{-2L, 0L}, std::pair{static_cast<long>(0x80000003LL), 0L}}) {
-        EXPECT_EQ(storedAfter(index, Number{0x2E}, GetParam().key), std::to_string(method)) << index;
+        EXPECT_EQ(storedAfter(index, Number{0x2E}, GetParam().name()), std::to_string(method)) << index;
         EXPECT_EQ(storedAfter(index, Number{0x2E}, "ColorProcessingPath"), std::to_string(0x2E | field(method)))
             << index;
     }
@@ -186,55 +178,49 @@ TEST_P(DemosaicPopUp, AsksTheSender) {
     it.load();
     MemoryPopUpButton sender{it.journal, "sender"};
     sender.selected = 5;
-    (it.*GetParam().outlet).selected = 6;
-    (it.pane.*GetParam().action)(sender);
-    EXPECT_EQ(contents(it.domain())[GetParam().key], "5");
+    it.menu(GetParam().key.outlet).selected = 6;
+    it.pane.chosen(sender, GetParam().key);
+    EXPECT_EQ(contents(it.domain())[GetParam().name()], "5");
 }
 
 TEST_P(DemosaicPopUp, ShowsItsKeyUnchecked) {
     for (const long index : {0L, 4L, 17L, -1L}) {
         ValidPane it;
-        it.domain()[GetParam().key] = Number{index};
+        it.domain()[GetParam().name()] = Number{index};
         it.load();
-        EXPECT_EQ((it.*GetParam().outlet).selected, index);
+        EXPECT_EQ(it.menu(GetParam().key.outlet).selected, index);
         EXPECT_THAT(it.journal.preferenceChanges(), ElementsAre());
     }
 }
 
 TEST_P(DemosaicPopUp, ShowsTheWholeLong) {
     ValidPane it;
-    it.domain()[GetParam().key] = storedInteger(0x100000002);
+    it.domain()[GetParam().name()] = storedInteger(0x100000002);
     it.load();
-    EXPECT_EQ((it.*GetParam().outlet).selected, sizeof(long) == 8 ? static_cast<long>(0x100000002LL) : 0);
+    EXPECT_EQ(it.menu(GetParam().key.outlet).selected, sizeof(long) == 8 ? static_cast<long>(0x100000002LL) : 0);
 }
 
 TEST_P(DemosaicPopUp, ShowsItsKeyWhateverItsField) {
     ValidPane it;
-    it.domain()[GetParam().key] = Number{2};
+    it.domain()[GetParam().name()] = Number{2};
     it.domain()["ColorProcessingPath"] = Number{0};
     it.load();
-    EXPECT_EQ((it.*GetParam().outlet).selected, 2);
+    EXPECT_EQ(it.menu(GetParam().key.outlet).selected, 2);
     EXPECT_EQ(contents(it.domain())["ColorProcessingPath"], "0");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    ColorProcessing, DemosaicPopUp,
-    testing::Values(
-        Demosaic{{"Presentation"},
-                 "8bitDebayer",
-                 16,
-                 &MemoryPane::presentationDemosaic,
-                 &VantrelPref::presentationDemosaicSelect},
-        Demosaic{{"Render"}, "RenderDebayer", 20, &MemoryPane::renderDemosaic, &VantrelPref::precisionDemosaicSelect}),
-    ByRule());
+INSTANTIATE_TEST_SUITE_P(ColorProcessing, DemosaicPopUp,
+                         testing::Values(Demosaic{{"Presentation"}, key("8bitDebayer"), 16},
+                                         Demosaic{{"Render"}, key("RenderDebayer"), 20}),
+                         ByRule());
 
 TEST(ColorProcessing, TheDemosaicItemsAreTheInterfaceFiles) {
     MemoryPane it;
-    it.presentationDemosaic.items = {"one", "two"};
-    it.renderDemosaic.items = {"three"};
+    it.menu("presentationDemosaic").items = {"one", "two"};
+    it.menu("renderDemosaic").items = {"three"};
     it.load();
-    EXPECT_THAT(it.presentationDemosaic.items, ElementsAre("one", "two"));
-    EXPECT_THAT(it.renderDemosaic.items, ElementsAre("three"));
+    EXPECT_THAT(it.menu("presentationDemosaic").items, ElementsAre("one", "two"));
+    EXPECT_THAT(it.menu("renderDemosaic").items, ElementsAre("three"));
 }
 
 }  // namespace

@@ -11,46 +11,21 @@ using testing::IsEmpty;
 
 struct Folder : Rule {
     std::string key;
-    std::string fieldName;
-    std::string okName;
-    std::string undoName;
-    MemoryTextField MemoryPane::*field;
-    MemoryPushButton MemoryPane::*ok;
-    MemoryPushButton MemoryPane::*undo;
-    MemoryString MemoryPane::*committed;
-    void (VantrelPref::*okAction)();
-    void (VantrelPref::*undoAction)();
+    std::string field;
+    std::string ok;
+    std::string undo;
+    std::string committed;
+    FolderPath& (VantrelPref::*of)();
     std::string storedText;
     std::string defaultText;
 };
 
-const Folder luts{{"LUTs"},
-                  "LUTsPath",
-                  "LUTsPath",
-                  "LUTsOK",
-                  "LUTsUndo",
-                  &MemoryPane::LUTsPath,
-                  &MemoryPane::LUTsOK,
-                  &MemoryPane::LUTsUndo,
-                  &MemoryPane::LUTsPathString,
-                  &VantrelPref::LUTsOKUpdate,
-                  &VantrelPref::LUTSUndoUpdate,
-                  "/stored/luts",
-                  "/default/luts"};
+const Folder luts{{"LUTs"},          "LUTsPath",         "_LUTsPath",    "_LUTsOK",      "_LUTsUndo",
+                  "_LUTsPathString", &VantrelPref::luts, "/stored/luts", "/default/luts"};
 
-const Folder overrides{{"Overrides"},
-                       "OverridePath",
-                       "overridePath",
-                       "overrideOK",
-                       "overrideUndo",
-                       &MemoryPane::overridePath,
-                       &MemoryPane::overrideOK,
-                       &MemoryPane::overrideUndo,
-                       &MemoryPane::overridePathString,
-                       &VantrelPref::overrideOKUpdate,
-                       &VantrelPref::overrideUndoUpdate,
-                       "/stored/overrides",
-                       "/default/overrides"};
+const Folder overrides{{"Overrides"},           "OverridePath",      "_overridePath",
+                       "_overrideOK",           "_overrideUndo",     "_overridePathString",
+                       &VantrelPref::overrides, "/stored/overrides", "/default/overrides"};
 
 /// A pane with both folders, of which the parameter is the one that the user works on.
 struct FolderPaths : testing::TestWithParam<Folder> {
@@ -58,10 +33,10 @@ struct FolderPaths : testing::TestWithParam<Folder> {
     const Folder& other = GetParam().key == luts.key ? overrides : luts;
     ValidPane it;
 
-    MemoryTextField& field() { return it.*folder.field; }
-    MemoryPushButton& ok() { return it.*folder.ok; }
-    MemoryPushButton& undo() { return it.*folder.undo; }
-    std::optional<std::string>& committed() { return (it.*folder.committed).text; }
+    MemoryTextField& field() { return it.field(folder.field); }
+    MemoryPushButton& ok() { return it.button(folder.ok); }
+    MemoryPushButton& undo() { return it.button(folder.undo); }
+    std::optional<std::string>& committed() { return it.kept(folder.committed); }
 
     /// What another process finds.
     std::string synchronised(const Folder& which) {
@@ -76,10 +51,10 @@ struct FolderPaths : testing::TestWithParam<Folder> {
     void type(const std::string& text) {
         field().text = text;
         field().editing = true;
-        it.pane.controlTextDidChange();
+        it.pane.textDidChange();
     }
-    void pressOK() { (it.pane.*folder.okAction)(); }
-    void pressUndo() { (it.pane.*folder.undoAction)(); }
+    void pressOK() { (it.pane.*folder.of)().confirm(it.pane.store()); }
+    void pressUndo() { (it.pane.*folder.of)().undo(); }
 };
 
 INSTANTIATE_TEST_SUITE_P(FolderPaths, FolderPaths, testing::Values(luts, overrides), ByRule());
@@ -130,7 +105,7 @@ TEST_P(FolderPaths, WhatIsNoTextIsReplacedByTheDefaultWithoutASynchronise) {
 TEST_P(FolderPaths, TheDefaultBecomesLastingWithTheNextActionOfAnyControl) {
     it.domain().erase(folder.key);
     load();
-    it.pane.fmtQTGammaRadioButton();
+    it.chooseRow(::vantrel::key("QTGammaCorrection"), 1);
     EXPECT_EQ(synchronised(folder), '"' + folder.defaultText + '"');
 }
 
@@ -149,9 +124,9 @@ TEST_P(FolderPaths, TheButtonsKeepTheInterfaceFilesState) {
 TEST_P(FolderPaths, AnEditEnablesOKAndThenUndoOfItsFieldAlone) {
     load();
     type("/new");
-    EXPECT_THAT(it.journal.lines(), ElementsAre(folder.okName + " enable", folder.undoName + " enable"));
-    EXPECT_FALSE((it.*other.ok).enabled);
-    EXPECT_FALSE((it.*other.undo).enabled);
+    EXPECT_THAT(it.journal.lines(), ElementsAre(folder.ok + " enable", folder.undo + " enable"));
+    EXPECT_FALSE(it.button(other.ok).enabled);
+    EXPECT_FALSE(it.button(other.undo).enabled);
 }
 
 TEST_P(FolderPaths, AnEditWritesAndCommitsNothing) {
@@ -181,18 +156,18 @@ TEST_P(FolderPaths, AnEditOfAnyTextEnablesTheButtons) {
 TEST_P(FolderPaths, AChangeWithoutAFieldEditorEnablesNothing) {
     load();
     field().text = "/new";
-    it.pane.controlTextDidChange();
+    it.pane.textDidChange();
     EXPECT_THAT(it.journal.lines(), IsEmpty());
 }
 
 /// Not something that a window does, but the two fields are asked independently.
 TEST(FolderPathsOfBoth, AreEnabledInOrderWhereBothHaveAFieldEditor) {
     MemoryPane it;
-    it.LUTsPath.editing = true;
-    it.overridePath.editing = true;
-    it.pane.controlTextDidChange();
+    it.field("_LUTsPath").editing = true;
+    it.field("_overridePath").editing = true;
+    it.pane.textDidChange();
     EXPECT_THAT(it.journal.lines(),
-                ElementsAre("LUTsOK enable", "LUTsUndo enable", "overrideOK enable", "overrideUndo enable"));
+                ElementsAre("_LUTsOK enable", "_LUTsUndo enable", "_overrideOK enable", "_overrideUndo enable"));
 }
 
 // OK
@@ -203,7 +178,7 @@ TEST_P(FolderPaths, OKWritesSynchronisesAndDisablesOKAndThenUndo) {
     it.journal.clear();
     pressOK();
     EXPECT_THAT(it.journal.lines(), ElementsAre("write " + folder.key + " = \"/new\"", "synchronize",
-                                                folder.okName + " disable", folder.undoName + " disable"));
+                                                folder.ok + " disable", folder.undo + " disable"));
     EXPECT_EQ(committed(), "/new");
     EXPECT_EQ(synchronised(folder), "\"/new\"");
     EXPECT_EQ(field().text, "/new");
@@ -228,15 +203,15 @@ TEST_P(FolderPaths, OKWritesAnUnchangedTextToo) {
 
 TEST_P(FolderPaths, OKLeavesTheOtherFolderAlone) {
     load();
-    (it.*other.field).text = "/being typed";
-    (it.*other.ok).enabled = true;
-    (it.*other.undo).enabled = true;
+    it.field(other.field).text = "/being typed";
+    it.button(other.ok).enabled = true;
+    it.button(other.undo).enabled = true;
     type("/new");
     pressOK();
     EXPECT_EQ(contents(it.domain())[other.key], '"' + other.storedText + '"');
-    EXPECT_EQ((it.*other.committed).text, other.storedText);
-    EXPECT_TRUE((it.*other.ok).enabled);
-    EXPECT_TRUE((it.*other.undo).enabled);
+    EXPECT_EQ(it.kept(other.committed), other.storedText);
+    EXPECT_TRUE(it.button(other.ok).enabled);
+    EXPECT_TRUE(it.button(other.undo).enabled);
 }
 
 TEST_P(FolderPaths, OKDisablesTheButtonsEvenWhereTheSynchroniseFails) {
@@ -256,8 +231,8 @@ TEST_P(FolderPaths, UndoShowsTheStoredTextAndDisablesOKAndThenUndo) {
     type("/new");
     it.journal.clear();
     pressUndo();
-    EXPECT_THAT(it.journal.lines(), ElementsAre(folder.fieldName + " setStringValue \"" + folder.storedText + '"',
-                                                folder.okName + " disable", folder.undoName + " disable"));
+    EXPECT_THAT(it.journal.lines(), ElementsAre(folder.field + " setStringValue \"" + folder.storedText + '"',
+                                                folder.ok + " disable", folder.undo + " disable"));
     EXPECT_EQ(committed(), folder.storedText);
 }
 
@@ -290,13 +265,13 @@ TEST_P(FolderPaths, UndoShowsAnEmptyCommittedText) {
 
 TEST_P(FolderPaths, UndoOfOneFolderAfterOKOfTheOtherPutsBackItsOwnText) {
     load();
-    (it.*other.field).text = "/of the other";
-    (it.pane.*other.okAction)();
+    it.field(other.field).text = "/of the other";
+    (it.pane.*other.of)().confirm(it.pane.store());
     type("/new");
     pressUndo();
     EXPECT_EQ(field().text, folder.storedText);
-    EXPECT_EQ((it.*other.field).text, "/of the other");
-    EXPECT_EQ((it.*other.committed).text, "/of the other");
+    EXPECT_EQ(it.field(other.field).text, "/of the other");
+    EXPECT_EQ(it.kept(other.committed), "/of the other");
 }
 
 TEST_P(FolderPaths, AfterOKOrUndoTheNextEditEnablesTheButtonsAgain) {

@@ -13,14 +13,14 @@ using testing::Pair;
 TEST(Lifecycle, ThePaneWorksOnTheCodecsDomain) {
     MemoryPane it;
     it.pane.initWithBundle(it.bundle);
-    EXPECT_EQ(it.appID.text, "com.vantrel.codec");
+    EXPECT_EQ(it.kept("appID"), "com.vantrel.codec");
 }
 
 TEST(Lifecycle, NoOtherDomainIsEverTouched) {
     MemoryPane it;
     it.load();
-    it.pane.lookCheckBox(it.look);
-    it.pane.LUTsOKUpdate();
+    it.click(key("look"), offState);
+    it.pane.luts().confirm(it.pane.store());
     EXPECT_THAT(it.preferences.applications(), ElementsAre("com.vantrel.codec"));
 }
 
@@ -28,45 +28,45 @@ TEST(Lifecycle, TheDefaultFoldersAreTheBundlesTexts) {
     MemoryPane it;
     it.bundle.strings = {{"KVRXLutsPath", "/Bibliothèque/LUT"}, {"KVRXOverridePath", "/Bibliothèque/Réglages"}};
     it.pane.initWithBundle(it.bundle);
-    EXPECT_EQ(it.LUTsPathString.text, "/Bibliothèque/LUT");
-    EXPECT_EQ(it.overridePathString.text, "/Bibliothèque/Réglages");
+    EXPECT_EQ(it.kept("_LUTsPathString"), "/Bibliothèque/LUT");
+    EXPECT_EQ(it.kept("_overridePathString"), "/Bibliothèque/Réglages");
 }
 
 TEST(Lifecycle, WithoutTextsInTheBundleTheDefaultFoldersAreAPath) {
     MemoryPane it;
     it.pane.initWithBundle(it.bundle);
-    EXPECT_EQ(it.LUTsPathString.text, "a path");
-    EXPECT_EQ(it.overridePathString.text, "a path");
+    EXPECT_EQ(it.kept("_LUTsPathString"), "a path");
+    EXPECT_EQ(it.kept("_overridePathString"), "a path");
 }
 
 TEST(Lifecycle, AnEmptyTextInTheBundleIsADefaultFolderToo) {
     MemoryPane it;
     it.bundle.strings = {{"KVRXLutsPath", ""}};
     it.pane.initWithBundle(it.bundle);
-    EXPECT_EQ(it.LUTsPathString.text, "");
-    EXPECT_EQ(it.overridePathString.text, "a path");
+    EXPECT_EQ(it.kept("_LUTsPathString"), "");
+    EXPECT_EQ(it.kept("_overridePathString"), "a path");
 }
 
 TEST(Lifecycle, TheVersionIsKept) {
     MemoryPane it;
     it.bundle.info = {{"CFBundleShortVersionString", "1.2.3"}, {"CFBundleVersion", "99"}};
     it.pane.initWithBundle(it.bundle);
-    EXPECT_EQ(it.versionString.text, "1.2.3");
+    EXPECT_EQ(it.kept("_versionString"), "1.2.3");
 }
 
 TEST(Lifecycle, WithoutAVersionInTheBundleThereIsNone) {
     MemoryPane it;
-    it.versionString.text = "left over";
+    it.kept("_versionString") = "left over";
     it.bundle.info = {{"CFBundleVersion", "99"}};
     it.pane.initWithBundle(it.bundle);
-    EXPECT_EQ(it.versionString.text, std::nullopt);
+    EXPECT_EQ(it.kept("_versionString"), std::nullopt);
 }
 
 TEST(Lifecycle, CreatingThePaneReadsAndWritesNoSetting) {
     ValidPane it;
     it.bundle.info = {{"CFBundleShortVersionString", "1.2.3"}};
     it.pane.initWithBundle(it.bundle);
-    EXPECT_THAT(it.journal.lines(), ElementsAre("versionNumber setStringValue \"1.2.3\""));
+    EXPECT_THAT(it.journal.lines(), ElementsAre("_versionNumber setStringValue \"1.2.3\""));
 }
 
 // mainViewDidLoad
@@ -76,18 +76,18 @@ TEST(Lifecycle, TheVersionIsShownBeforeAnythingElse) {
     it.bundle.info["CFBundleShortVersionString"] = "1.2.3";
     it.pane.initWithBundle(it.bundle);
     it.journal.clear();
-    it.versionNumber.text = "of the interface file";
+    it.field("_versionNumber").text = "of the interface file";
     it.pane.mainViewDidLoad();
-    EXPECT_EQ(it.versionNumber.text, "1.2.3");
-    EXPECT_EQ(it.journal.lines().front(), "versionNumber setStringValue \"1.2.3\"");
+    EXPECT_EQ(it.field("_versionNumber").text, "1.2.3");
+    EXPECT_EQ(it.journal.lines().front(), "_versionNumber setStringValue \"1.2.3\"");
 }
 
 TEST(Lifecycle, WithoutAVersionItsFieldKeepsTheInterfaceFilesText) {
     MemoryPane it;
-    it.versionNumber.text = "of the interface file";
+    it.field("_versionNumber").text = "of the interface file";
     it.load();
-    EXPECT_EQ(it.versionNumber.text, "of the interface file");
-    EXPECT_THAT(it.journal.linesStarting("versionNumber"), ElementsAre());
+    EXPECT_EQ(it.field("_versionNumber").text, "of the interface file");
+    EXPECT_THAT(it.journal.linesStarting("_versionNumber"), ElementsAre());
 }
 
 TEST(Lifecycle, WithoutTextsInTheBundleBothFoldersAreWrittenAsAPath) {
@@ -101,9 +101,9 @@ TEST(Lifecycle, WithoutTextsInTheBundleBothFoldersAreWrittenAsAPath) {
 TEST(Lifecycle, TheOverrideStoreIsOpenedOnceAndNotKept) {
     MemoryPane it;
     it.load();
-    EXPECT_THAT(it.journal.linesStarting("overrides initFromOverride"), testing::SizeIs(1));
-    EXPECT_THAT(it.journal.linesStarting("overrides writeToOverride"), ElementsAre());
-    EXPECT_EQ(it.overrides.liveInstances, 0);
+    EXPECT_THAT(it.journal.linesStarting("overrides load"), testing::SizeIs(1));
+    EXPECT_THAT(it.journal.linesStarting("overrides write"), ElementsAre());
+    EXPECT_EQ(it.overrides.loaded, 0);
 }
 
 TEST(Lifecycle, TheSetUpIsSilent) {
@@ -118,8 +118,7 @@ TEST(Lifecycle, WhatWasChangedElsewhereIsFoundByTheNextAction) {
     MemoryPane it;
     it.load();
     it.domain()["ColorProcessingPath"] = Number{0x500000};
-    it.look.shown = onState;
-    it.pane.lookCheckBox(it.look);
+    it.click(key("look"), onState);
     EXPECT_EQ(contents(it.domain())["ColorProcessingPath"], std::to_string(0x500009));
 }
 

@@ -11,9 +11,9 @@ using testing::ElementsAre;
 // Check boxes
 
 struct FlagBox : Rule {
-    std::string key;
-    MemoryCheckBox MemoryPane::*outlet;
-    void (VantrelPref::*action)(const CheckBox&);
+    SettingsKey key;
+
+    std::string name() const { return std::string(key.name); }
 };
 
 struct PixelFormatCheckBox : testing::TestWithParam<FlagBox> {};
@@ -23,10 +23,9 @@ TEST_P(PixelFormatCheckBox, WritesItsOwnKeyAndSynchronises) {
         ValidPane it;
         it.load();
         it.journal.clear();
-        (it.*GetParam().outlet).shown = state;
-        (it.pane.*GetParam().action)(it.*GetParam().outlet);
-        EXPECT_THAT(it.journal.lines(), ElementsAre("write " + GetParam().key + " = " + written, "synchronize"));
-        EXPECT_EQ(contents(it.preferences.synchronizedDomain("com.vantrel.codec"))[GetParam().key], written);
+        it.click(GetParam().key, state);
+        EXPECT_THAT(it.journal.lines(), ElementsAre("write " + GetParam().name() + " = " + written, "synchronize"));
+        EXPECT_EQ(contents(it.preferences.synchronizedDomain("com.vantrel.codec"))[GetParam().name()], written);
     }
 }
 
@@ -37,9 +36,8 @@ TEST_P(PixelFormatCheckBox, StoresTheTruthOfItsStatesLowestByte) {
           std::pair{256L, "false"}, std::pair{257L, "true"}, std::pair{-256L, "false"}}) {
         MemoryPane it;
         it.load();
-        (it.*GetParam().outlet).shown = state;
-        (it.pane.*GetParam().action)(it.*GetParam().outlet);
-        EXPECT_EQ(contents(it.domain())[GetParam().key], written) << state;
+        it.click(GetParam().key, state);
+        EXPECT_EQ(contents(it.domain())[GetParam().name()], written) << state;
     }
 }
 
@@ -48,49 +46,39 @@ TEST_P(PixelFormatCheckBox, AsksTheSender) {
     it.load();
     MemoryCheckBox sender{it.journal, "sender"};
     sender.shown = onState;
-    (it.*GetParam().outlet).shown = offState;
-    (it.pane.*GetParam().action)(sender);
-    EXPECT_EQ(contents(it.domain())[GetParam().key], "true");
+    it.box(GetParam().key.outlet).shown = offState;
+    it.pane.clicked(sender, GetParam().key);
+    EXPECT_EQ(contents(it.domain())[GetParam().name()], "true");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    PixelFormats, PixelFormatCheckBox,
-    testing::Values(
-        FlagBox{{"RGB8"}, "FormatRGB8", &MemoryPane::fmtRGB8Bit, &VantrelPref::fmtRGB8BitCheckBox},
-        FlagBox{{"RGB16"}, "FormatRGB16", &MemoryPane::fmtRGB16Bit, &VantrelPref::fmtRGB16BitCheckBox},
-        FlagBox{{"RGB32"}, "FormatRGB32", &MemoryPane::fmtRGB32Bit, &VantrelPref::fmtRGB32BitCheckBox},
-        FlagBox{{"YUV8"}, "FormatYUV8", &MemoryPane::fmtYUV8Bit, &VantrelPref::fmtYUV8BitCheckBox},
-        FlagBox{{"YUV16"}, "FormatYUV16", &MemoryPane::fmtYUV16Bit, &VantrelPref::fmtYUV16BitCheckBox},
-        FlagBox{{"YUV32"}, "FormatYUV32", &MemoryPane::fmtYUV32Bit, &VantrelPref::fmtYUV32BitCheckBox},
-        FlagBox{{"YUV8WithAlpha"}, "FormatYUV8A", &MemoryPane::fmtYUV8BitA, &VantrelPref::fmtYUV8BitACheckBox},
-        FlagBox{
-            {"Letterbox"}, "FCPForceLetterBox", &MemoryPane::fmtFCPLetterbox, &VantrelPref::fmtFCPLetterboxCheckBox},
-        FlagBox{{"SourceSettings"},
-                "PProCS5HasMovieSetup",
-                &MemoryPane::cs5SourceSettings,
-                &VantrelPref::cs5SourceSettingsCheck},
-        FlagBox{
-            {"DualStream"}, "FormatDualStream3D", &MemoryPane::fmtDualStream3D, &VantrelPref::fmtDualStream3DCheckBox}),
-    ByRule());
+INSTANTIATE_TEST_SUITE_P(PixelFormats, PixelFormatCheckBox,
+                         testing::Values(FlagBox{{"RGB8"}, key("FormatRGB8")}, FlagBox{{"RGB16"}, key("FormatRGB16")},
+                                         FlagBox{{"RGB32"}, key("FormatRGB32")}, FlagBox{{"YUV8"}, key("FormatYUV8")},
+                                         FlagBox{{"YUV16"}, key("FormatYUV16")}, FlagBox{{"YUV32"}, key("FormatYUV32")},
+                                         FlagBox{{"YUV8WithAlpha"}, key("FormatYUV8A")},
+                                         FlagBox{{"Letterbox"}, key("FCPForceLetterBox")},
+                                         FlagBox{{"SourceSettings"}, key("PProCS5HasMovieSetup")},
+                                         FlagBox{{"DualStream"}, key("FormatDualStream3D")}),
+                         ByRule());
 
 TEST(PixelFormats, EachCheckBoxShowsItsOwnKey) {
-    const std::pair<const char*, MemoryCheckBox MemoryPane::*> boxes[] = {
-        {"FormatRGB8", &MemoryPane::fmtRGB8Bit},
-        {"FormatRGB16", &MemoryPane::fmtRGB16Bit},
-        {"FormatRGB32", &MemoryPane::fmtRGB32Bit},
-        {"FormatYUV8", &MemoryPane::fmtYUV8Bit},
-        {"FormatYUV16", &MemoryPane::fmtYUV16Bit},
-        {"FormatYUV32", &MemoryPane::fmtYUV32Bit},
-        {"FormatYUV8A", &MemoryPane::fmtYUV8BitA},
-        {"FCPForceLetterBox", &MemoryPane::fmtFCPLetterbox},
-        {"PProCS5HasMovieSetup", &MemoryPane::cs5SourceSettings},
+    const std::pair<const char*, const char*> boxes[] = {
+        {"FormatRGB8", "fmtRGB8Bit"},
+        {"FormatRGB16", "fmtRGB16Bit"},
+        {"FormatRGB32", "fmtRGB32Bit"},
+        {"FormatYUV8", "fmtYUV8Bit"},
+        {"FormatYUV16", "fmtYUV16Bit"},
+        {"FormatYUV32", "fmtYUV32Bit"},
+        {"FormatYUV8A", "fmtYUV8BitA"},
+        {"FCPForceLetterBox", "fmtFCPLetterbox"},
+        {"PProCS5HasMovieSetup", "cs5SourceSettings"},
     };
     for (const auto& [key, outlet] : boxes) {
         ValidPane it;
         it.domain()[key] = true;
         it.load();
         for (const auto& [otherKey, other] : boxes) {
-            EXPECT_EQ((it.*other).shown, other == outlet ? onState : offState) << otherKey << " when " << key;
+            EXPECT_EQ(it.box(other).shown, other == outlet ? onState : offState) << otherKey << " when " << key;
         }
     }
 }
@@ -98,12 +86,12 @@ TEST(PixelFormats, EachCheckBoxShowsItsOwnKey) {
 TEST(PixelFormats, DualStreamKeepsTheInterfaceFilesStateAndNoKeyUntilTheFirstClick) {
     for (const long state : {onState, offState}) {
         MemoryPane it;
-        it.fmtDualStream3D.shown = state;
+        it.box("fmtDualStream3D").shown = state;
         it.load();
-        EXPECT_EQ(it.fmtDualStream3D.shown, state);
+        EXPECT_EQ(it.box("fmtDualStream3D").shown, state);
         EXPECT_FALSE(it.domain().contains("FormatDualStream3D"));
 
-        it.pane.fmtDualStream3DCheckBox(it.fmtDualStream3D);
+        it.click(key("FormatDualStream3D"), state);
         EXPECT_EQ(contents(it.domain())["FormatDualStream3D"], state == onState ? "true" : "false");
     }
 }
@@ -111,10 +99,10 @@ TEST(PixelFormats, DualStreamKeepsTheInterfaceFilesStateAndNoKeyUntilTheFirstCli
 // Gamma corrections
 
 struct GammaMatrix : Rule {
-    std::string key;
-    std::string outletName;
-    MemoryRadioMatrix MemoryPane::*outlet;
-    void (VantrelPref::*action)();
+    SettingsKey key;
+
+    std::string name() const { return std::string(key.name); }
+    std::string outlet() const { return std::string(key.outlet); }
 };
 
 struct GammaRadioButton : testing::TestWithParam<GammaMatrix> {};
@@ -124,63 +112,52 @@ TEST_P(GammaRadioButton, StoresTheRowOfItsOwnMatrixAndSynchronises) {
         ValidPane it;
         it.load();
         it.journal.clear();
-        (it.*GetParam().outlet).selected = row;
-        (it.pane.*GetParam().action)();
+        it.chooseRow(GetParam().key, row);
         EXPECT_THAT(it.journal.lines(),
-                    ElementsAre("write " + GetParam().key + " = " + std::to_string(row), "synchronize"));
+                    ElementsAre("write " + GetParam().name() + " = " + std::to_string(row), "synchronize"));
     }
 }
 
 TEST_P(GammaRadioButton, StoresMinusOneWithoutASelection) {
     MemoryPane it;
     it.load();
-    (it.*GetParam().outlet).selected = -1;
-    (it.pane.*GetParam().action)();
-    EXPECT_EQ(contents(it.domain())[GetParam().key], "-1");
+    it.chooseRow(GetParam().key, -1);
+    EXPECT_EQ(contents(it.domain())[GetParam().name()], "-1");
 }
 
 TEST_P(GammaRadioButton, StoresTheLow32BitsOfTheRow) {
     MemoryPane it;
     it.load();
-    (it.*GetParam().outlet).selected = static_cast<long>(0x1FFFFFFFELL);
-    (it.pane.*GetParam().action)();
-    EXPECT_EQ(contents(it.domain())[GetParam().key], "-2");
+    it.chooseRow(GetParam().key, static_cast<long>(0x1FFFFFFFELL));
+    EXPECT_EQ(contents(it.domain())[GetParam().name()], "-2");
 }
 
 TEST_P(GammaRadioButton, ShowsItsOwnKey) {
     ValidPane it;
-    it.fmtQTGamma.rows = 4;
-    it.fmtFCPGamma.rows = 4;
-    it.domain()[GetParam().key] = Number{3};
+    it.matrix("fmtQTGamma").rows = 4;
+    it.matrix("fmtFCPGamma").rows = 4;
+    it.domain()[GetParam().name()] = Number{3};
     it.load();
-    for (auto outlet : {&MemoryPane::fmtQTGamma, &MemoryPane::fmtFCPGamma}) {
-        EXPECT_EQ((it.*outlet).selected, outlet == GetParam().outlet ? 3 : 1);
+    for (const std::string outlet : {"fmtQTGamma", "fmtFCPGamma"}) {
+        EXPECT_EQ(it.matrix(outlet).selected, outlet == GetParam().outlet() ? 3 : 1);
     }
 }
 
 TEST_P(GammaRadioButton, CountsTheRowsOfItsOwnMatrix) {
     ValidPane it;
-    it.fmtQTGamma.rows = 9;
-    it.fmtFCPGamma.rows = 9;
-    (it.*GetParam().outlet).rows = 2;
-    it.domain()[GetParam().key] = Number{2};
+    it.matrix("fmtQTGamma").rows = 9;
+    it.matrix("fmtFCPGamma").rows = 9;
+    it.matrix(GetParam().outlet()).rows = 2;
+    it.domain()[GetParam().name()] = Number{2};
     it.load();
-    EXPECT_EQ(contents(it.domain())[GetParam().key], "0");
-    EXPECT_THAT(it.journal.linesStarting(GetParam().outletName),
-                ElementsAre(GetParam().outletName + " selectCellAtRow 0 column 0"));
+    EXPECT_EQ(contents(it.domain())[GetParam().name()], "0");
+    EXPECT_THAT(it.journal.linesStarting(GetParam().outlet()),
+                ElementsAre(GetParam().outlet() + " selectCellAtRow 0 column 0"));
 }
 
 INSTANTIATE_TEST_SUITE_P(PixelFormats, GammaRadioButton,
-                         testing::Values(GammaMatrix{{"FinalCutPro"},
-                                                     "FCPGammaCorrection",
-                                                     "fmtFCPGamma",
-                                                     &MemoryPane::fmtFCPGamma,
-                                                     &VantrelPref::fmtFCPGammaRadioButton},
-                                         GammaMatrix{{"QuickTime"},
-                                                     "QTGammaCorrection",
-                                                     "fmtQTGamma",
-                                                     &MemoryPane::fmtQTGamma,
-                                                     &VantrelPref::fmtQTGammaRadioButton}),
+                         testing::Values(GammaMatrix{{"FinalCutPro"}, key("FCPGammaCorrection")},
+                                         GammaMatrix{{"QuickTime"}, key("QTGammaCorrection")}),
                          ByRule());
 
 }  // namespace

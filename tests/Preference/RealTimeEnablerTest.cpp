@@ -15,7 +15,7 @@ TEST(RealTimeEnabler, TheCheckBoxShowsTheKeyWhateverTheFilesAre) {
         it.files.contents[std::string(enablerPaths::active)] = "Apple's";
         if (!stored) it.files.contents[std::string(enablerPaths::backup)] = "Apple's";
         it.load();
-        EXPECT_EQ(it.fcpRTEnable.shown, stored ? onState : offState);
+        EXPECT_EQ(it.box("fcpRTEnable").shown, stored ? onState : offState);
         EXPECT_THAT(it.journal.linesStarting("exists"), IsEmpty());
     }
 }
@@ -23,11 +23,11 @@ TEST(RealTimeEnabler, TheCheckBoxShowsTheKeyWhateverTheFilesAre) {
 TEST(RealTimeEnabler, AMissingKeyIsShownOffAndWrittenFalseWithoutASynchronise) {
     ValidPane it;
     it.domain().erase("fcpRTEnableSwap");
-    it.fcpRTEnable.shown = onState;
-    it.fcpRTEnable.enabled = false;
+    it.box("fcpRTEnable").shown = onState;
+    it.box("fcpRTEnable").enabled = false;
     it.load();
-    EXPECT_EQ(it.fcpRTEnable.shown, offState);
-    EXPECT_TRUE(it.fcpRTEnable.enabled);
+    EXPECT_EQ(it.box("fcpRTEnable").shown, offState);
+    EXPECT_TRUE(it.box("fcpRTEnable").enabled);
     EXPECT_THAT(it.journal.preferenceChanges(), ElementsAre("write fcpRTEnableSwap = false"));
 }
 
@@ -37,8 +37,8 @@ TEST(RealTimeEnabler, AClickSwapsTheFilesAndIsRemembered) {
     it.files.contents = {{enablerPaths::versionEnabler("703"), "ours"}, {std::string(enablerPaths::active), "Apple's"}};
     it.domain().erase("fcpRTEnableSwap");
     it.load();
-    it.fcpRTEnable.shown = onState;
-    it.pane.fcpRTEnableCheckBox(it.fcpRTEnable);
+    it.box("fcpRTEnable").shown = onState;
+    it.pane.realTimeEnablerClicked(it.box("fcpRTEnable"));
     EXPECT_EQ(it.files.contents[std::string(enablerPaths::active)], "ours");
     EXPECT_EQ(contents(it.preferences.synchronizedDomain("com.vantrel.codec"))["fcpRTEnableSwap"], "true");
 }
@@ -48,22 +48,22 @@ TEST(RealTimeEnabler, TheActionWorksOnTheSender) {
     it.load();
     MemoryCheckBox sender{it.journal, "sender"};
     sender.shown = onState;
-    it.fcpRTEnable.shown = onState;
-    it.pane.fcpRTEnableCheckBox(sender);
+    it.box("fcpRTEnable").shown = onState;
+    it.pane.realTimeEnablerClicked(sender);
     EXPECT_EQ(sender.shown, offState);
-    EXPECT_EQ(it.fcpRTEnable.shown, onState);
+    EXPECT_EQ(it.box("fcpRTEnable").shown, onState);
 }
 
 /// A refused click leaves the key, so the next pane shows what it shows.
 TEST(RealTimeEnabler, AfterARefusedClickTheNextSetUpShowsTheOldKey) {
     ValidPane it;
     it.load();
-    it.fcpRTEnable.shown = offState;
-    it.pane.fcpRTEnableCheckBox(it.fcpRTEnable);
+    it.box("fcpRTEnable").shown = offState;
+    it.pane.realTimeEnablerClicked(it.box("fcpRTEnable"));
     EXPECT_EQ(it.journal.lines().back(), "fcpRTEnable setState 0");
     EXPECT_THAT(it.journal.linesStarting("alert"), ElementsAre("alert Could not find any FCP installation"));
     it.pane.mainViewDidLoad();
-    EXPECT_EQ(it.fcpRTEnable.shown, onState);
+    EXPECT_EQ(it.box("fcpRTEnable").shown, onState);
 }
 
 }  // namespace

@@ -26,11 +26,10 @@ TEST(SetUpOrder, AValidDomainIsShownInThisOrderAndLeftAlone) {
     it.pane.mainViewDidLoad();
 
     EXPECT_THAT(it.journal.lines(), ElementsAreArray(Lines{
-                                        "versionNumber setStringValue \"1.2.3\"",
+                                        "_versionNumber setStringValue \"1.2.3\"",
                                         // The overrides, for the first time
-                                        "overrides initFromOverride",
-                                        "overrides metadata",
-                                        "metadata objectForKey CLSF",
+                                        "overrides load",
+                                        "overrides read CLSF",
                                         "filter422To444 setState 1",
                                         // Thread limits
                                         "encodeThreads removeAllItems",
@@ -45,8 +44,7 @@ TEST(SetUpOrder, AValidDomainIsShownInThisOrderAndLeftAlone) {
                                         "read MaxEncodeThreads",
                                         "encodeThreads selectItem 1",
                                         "decodeThreads selectItem 0",
-                                        "overrides metadata",
-                                        "metadata objectForKey CPUM",
+                                        "overrides read CPUM",
                                         "decodeThreads selectItem 2",
                                         // Colour processing and gamma correction
                                         "read ColorProcessingPath",
@@ -80,12 +78,12 @@ TEST(SetUpOrder, AValidDomainIsShownInThisOrderAndLeftAlone) {
                                         "read FCPForceLetterBox",
                                         "fmtFCPLetterbox setState 0",
                                         "read ShowStereoStatusMenu",
-                                        "showStereoStatus setState 0",
+                                        "_showStereoStatus setState 0",
                                         // Folders
                                         "read LUTsPath",
-                                        "LUTsPath setStringValue \"/stored/luts\"",
+                                        "_LUTsPath setStringValue \"/stored/luts\"",
                                         "read OverridePath",
-                                        "overridePath setStringValue \"/stored/overrides\"",
+                                        "_overridePath setStringValue \"/stored/overrides\"",
                                         // Demosaic methods
                                         "read 8bitDebayer",
                                         "presentationDemosaic selectItem 2",
@@ -114,9 +112,9 @@ TEST(SetUpOrder, AValidDomainOfDefaultsIsLeftAloneToo) {
 
 TEST(SetUpOrder, TheSetUpLeavesTheseControlsToTheInterfaceFile) {
     MemoryPane it;
-    it.fmtDualStream3D.shown = mixedState;
+    it.box("fmtDualStream3D").shown = mixedState;
     it.load();
-    for (const auto* name : {"fmtDualStream3D", "LUTsOK", "LUTsUndo", "overrideOK", "overrideUndo"}) {
+    for (const auto* name : {"fmtDualStream3D", "_LUTsOK", "_LUTsUndo", "_overrideOK", "_overrideUndo"}) {
         EXPECT_THAT(it.journal.linesStarting(name), IsEmpty()) << name;
     }
     EXPECT_THAT(it.journal.linesStarting("read FormatDualStream3D"), IsEmpty());
@@ -124,11 +122,11 @@ TEST(SetUpOrder, TheSetUpLeavesTheseControlsToTheInterfaceFile) {
 
 TEST(SetUpOrder, NothingIsDisabledAndTwoCheckBoxesAreEnabled) {
     MemoryPane it;
-    it.fcpRTEnable.enabled = false;
-    it.cs5SourceSettings.enabled = false;
+    it.box("fcpRTEnable").enabled = false;
+    it.box("cs5SourceSettings").enabled = false;
     it.load();
-    EXPECT_TRUE(it.fcpRTEnable.enabled);
-    EXPECT_TRUE(it.cs5SourceSettings.enabled);
+    EXPECT_TRUE(it.box("fcpRTEnable").enabled);
+    EXPECT_TRUE(it.box("cs5SourceSettings").enabled);
 
     Lines enabling;
     for (const auto& line : it.journal.lines()) {
@@ -210,25 +208,27 @@ TEST_F(EmptyDomain, KeepsItsFoldersAndHostFlagsToThisProcessUntilTheNextSynchron
     }
     EXPECT_EQ(contents(it.preferences.synchronizedDomain("com.vantrel.codec")), expected);
 
-    it.pane.fmtRGB8BitCheckBox(it.fmtRGB8Bit);
+    it.click(key("FormatRGB8"), offState);
     EXPECT_EQ(contents(it.preferences.synchronizedDomain("com.vantrel.codec")), contents(it.domain()));
 }
 
 TEST_F(EmptyDomain, ShowsItsDefaults) {
-    for (const auto* box : {&it.colorMatrix, &it.gamma, &it.look, &it.whiteBalance, &it.fmtRGB8Bit, &it.fmtRGB16Bit,
-                            &it.fmtRGB32Bit, &it.fmtYUV8Bit, &it.fmtYUV16Bit, &it.fmtYUV32Bit, &it.fmtYUV8BitA,
-                            &it.fmtFCPLetterbox, &it.cs5SourceSettings, &it.showStereoStatus}) {
+    for (const auto* box :
+         {&it.box("colorMatrix"), &it.box("gamma"), &it.box("look"), &it.box("whiteBalance"), &it.box("fmtRGB8Bit"),
+          &it.box("fmtRGB16Bit"), &it.box("fmtRGB32Bit"), &it.box("fmtYUV8Bit"), &it.box("fmtYUV16Bit"),
+          &it.box("fmtYUV32Bit"), &it.box("fmtYUV8BitA"), &it.box("fmtFCPLetterbox"), &it.box("cs5SourceSettings"),
+          &it.box("_showStereoStatus")}) {
         EXPECT_EQ(box->shown, onState);
     }
-    EXPECT_EQ(it.fcpRTEnable.shown, offState);
-    EXPECT_EQ(it.fmtQTGamma.selected, 0);
-    EXPECT_EQ(it.fmtFCPGamma.selected, 0);
-    EXPECT_EQ(it.encodeThreads.selected, 3);
-    EXPECT_EQ(it.decodeThreads.selected, 0);
-    EXPECT_EQ(it.presentationDemosaic.selected, 0);
-    EXPECT_EQ(it.renderDemosaic.selected, 0);
-    EXPECT_EQ(it.LUTsPath.text, "/default/luts");
-    EXPECT_EQ(it.overridePath.text, "/default/overrides");
+    EXPECT_EQ(it.box("fcpRTEnable").shown, offState);
+    EXPECT_EQ(it.matrix("fmtQTGamma").selected, 0);
+    EXPECT_EQ(it.matrix("fmtFCPGamma").selected, 0);
+    EXPECT_EQ(it.menu("encodeThreads").selected, 3);
+    EXPECT_EQ(it.menu("decodeThreads").selected, 0);
+    EXPECT_EQ(it.menu("presentationDemosaic").selected, 0);
+    EXPECT_EQ(it.menu("renderDemosaic").selected, 0);
+    EXPECT_EQ(it.field("_LUTsPath").text, "/default/luts");
+    EXPECT_EQ(it.field("_overridePath").text, "/default/overrides");
 }
 
 TEST_F(EmptyDomain, RepairedOnceNeedsNoRepairAgain) {
@@ -298,16 +298,17 @@ std::vector<Fault> noReadableNumber() {
     return faults;
 }
 
+const std::string pathRead = "read ColorProcessingPath";
 const std::string lastGammaLine = "fmtFCPGamma selectCellAtRow 1 column 0";
-const std::string lastFlagLine = "showStereoStatus setState 0";
+const std::string lastFlagLine = "_showStereoStatus setState 0";
 
 /// A stage is switched on, and its bit is written with the rest of the path at the end of the group.
 FaultyKey stage(const std::string& key, long mask) {
     return {{key},
             key,
             faultsOfAFlag,
-            {{key + " setState 0", {key + " setState 1", "write " + key + " = true"}},
-             {lastGammaLine, {lastGammaLine, pathWritten(0x300000 | mask), "synchronize"}}}};
+            {{key + " setState 0", {"write " + key + " = true", key + " setState 1"}},
+             {lastGammaLine, {lastGammaLine, pathRead, pathWritten(0x300000 | mask), "synchronize"}}}};
 }
 
 /// A flag is switched on and synchronised at the end of its group.
@@ -315,7 +316,7 @@ FaultyKey flag(const std::string& key, const std::string& outlet) {
     return {{key},
             key,
             faultsOfAFlag,
-            {{outlet + " setState 0", {outlet + " setState 1", "write " + key + " = true"}},
+            {{outlet + " setState 0", {"write " + key + " = true", outlet + " setState 1"}},
              {lastFlagLine, {lastFlagLine, "synchronize"}}}};
 }
 
@@ -333,10 +334,11 @@ FaultyKey qtGamma(const std::string& rule, const std::vector<Fault>& faults, con
             "QTGammaCorrection",
             faults,
             {{"fmtQTGamma selectCellAtRow 1 column 0", repair},
-             {lastGammaLine, {lastGammaLine, pathWritten(0x300000), "synchronize"}}}};
+             {lastGammaLine, {lastGammaLine, pathRead, pathWritten(0x300000), "synchronize"}}}};
 }
 
 FaultyKey fcpGamma(const std::string& rule, const std::vector<Fault>& faults, Lines repair) {
+    repair.push_back(pathRead);
     repair.push_back(pathWritten(0x300000));
     repair.emplace_back("synchronize");
     return {{rule}, "FCPGammaCorrection", faults, {{lastGammaLine, repair}}};
@@ -358,17 +360,17 @@ INSTANTIATE_TEST_SUITE_P(
         stage("look", 0x8),                              //
         stage("gamma", 0x20),                            //
         qtGamma("QTGammaCorrection", faultsOfAnInteger,  //
-                {"fmtQTGamma setState 1 atRow 0 column 0", "write QTGammaCorrection = 0"}),
+                {"write QTGammaCorrection = 0", "fmtQTGamma setState 1 atRow 0 column 0"}),
         qtGamma("QTGammaCorrectionOutOfRange", noSuchRow,
-                {"fmtQTGamma selectCellAtRow 0 column 0", "write QTGammaCorrection = 0"}),
+                {"write QTGammaCorrection = 0", "fmtQTGamma selectCellAtRow 0 column 0"}),
         FaultyKey{{"QTGammaCorrectionUnreadable"},
                   "QTGammaCorrection",
                   anUnreadableNumber,
                   {{"fmtQTGamma selectCellAtRow 1 column 0", {}}}},
         fcpGamma("FCPGammaCorrection", faultsOfAnInteger,
-                 {"fmtFCPGamma setState 1 atRow 0 column 0", "write FCPGammaCorrection = 0"}),
+                 {"write FCPGammaCorrection = 0", "fmtFCPGamma setState 1 atRow 0 column 0"}),
         fcpGamma("FCPGammaCorrectionOutOfRange", noSuchRow,
-                 {"fmtFCPGamma selectCellAtRow 0 column 0", "write FCPGammaCorrection = 0"}),
+                 {"write FCPGammaCorrection = 0", "fmtFCPGamma selectCellAtRow 0 column 0"}),
         FaultyKey{{"FCPGammaCorrectionUnreadable"}, "FCPGammaCorrection", anUnreadableNumber, {{lastGammaLine, {}}}},
         flag("FormatYUV8", "fmtYUV8Bit"),              //
         flag("FormatYUV8A", "fmtYUV8BitA"),            //
@@ -382,8 +384,8 @@ INSTANTIATE_TEST_SUITE_P(
             {"ShowStereoStatusMenu"},
             "ShowStereoStatusMenu",
             faultsOfAFlag,
-            {{lastFlagLine, {"showStereoStatus setState 1", "write ShowStereoStatusMenu = true", "synchronize"}}}},
-        folder("LUTsPath", "LUTsPath", "luts"), folder("OverridePath", "overridePath", "overrides"),
+            {{lastFlagLine, {"write ShowStereoStatusMenu = true", "_showStereoStatus setState 1", "synchronize"}}}},
+        folder("LUTsPath", "_LUTsPath", "luts"), folder("OverridePath", "_overridePath", "overrides"),
         FaultyKey{{"PresentationDemosaicIsShownOnly"},
                   "8bitDebayer",
                   noReadableNumber(),
@@ -395,14 +397,96 @@ INSTANTIATE_TEST_SUITE_P(
         FaultyKey{{"RealTimeEnablerIsOffAndNotSynchronised"},
                   "fcpRTEnableSwap",
                   faultsOfAFlag,
-                  {{"fcpRTEnable setState 1", {"fcpRTEnable setState 0", "write fcpRTEnableSwap = false"}}}},
+                  {{"fcpRTEnable setState 1", {"write fcpRTEnableSwap = false", "fcpRTEnable setState 0"}}}},
         FaultyKey{
             {"SourceSettingsAreNotSynchronised"},
             "PProCS5HasMovieSetup",
             faultsOfAFlag,
-            {{"cs5SourceSettings setState 0", {"cs5SourceSettings setState 1", "write PProCS5HasMovieSetup = true"}}}},
+            {{"cs5SourceSettings setState 0", {"write PProCS5HasMovieSetup = true", "cs5SourceSettings setState 1"}}}},
         FaultyKey{{"DualStreamIsNeverRead"}, "FormatDualStream3D", faultsOfAFlag, {}}),
     ByRule());
+
+// The table decides
+
+/// The key table with one row altered.
+struct AlteredTable {
+    template <typename Alter>
+    AlteredTable(std::string_view name, Alter alter) : rows(std::begin(keyTable), std::end(keyTable)) {
+        alter(*std::find_if(rows.begin(), rows.end(), [&](const SettingsKey& row) { return row.name == name; }));
+    }
+
+    std::vector<SettingsKey> rows;
+};
+
+/// What an empty domain holds after the set-up, and which of it other processes see.
+std::pair<std::string, std::string> setUpWith(const AlteredTable& table, const std::string& name) {
+    MemoryPane it(table.rows);
+    it.load();
+    return {contents(it.domain())[name], contents(it.preferences.synchronizedDomain("com.vantrel.codec"))[name]};
+}
+
+TEST(SetUpOrder, AnotherDefaultIsShownAndWritten) {
+    const AlteredTable table("FormatRGB8", [](SettingsKey& row) { row.setUpDefault = false; });
+    MemoryPane it(table.rows);
+    it.box("fmtRGB8Bit").shown = onState;
+    it.load();
+    EXPECT_EQ(it.box("fmtRGB8Bit").shown, offState);
+    EXPECT_EQ(contents(it.domain())["FormatRGB8"], "false");
+    EXPECT_EQ(contents(it.domain())["FormatRGB16"], "true");
+}
+
+TEST(SetUpOrder, AnotherDefaultOfAStageLeavesItsBitOut) {
+    const AlteredTable table("look", [](SettingsKey& row) { row.setUpDefault = false; });
+    EXPECT_EQ(setUpWith(table, "ColorProcessingPath").first, std::to_string(0x26));
+}
+
+TEST(SetUpOrder, AnotherRepairIsSynchronisedLaterOrNotWrittenAtAll) {
+    using Pair = std::pair<std::string, std::string>;
+    const AlteredTable lazy("LUTsPath", [](SettingsKey& row) { row.repair = Repair::written; });
+    EXPECT_EQ(setUpWith(lazy, "LUTsPath"), Pair("\"a path\"", "\"a path\""));
+    EXPECT_EQ(setUpWith(lazy, "fcpRTEnableSwap"), Pair("false", ""));
+
+    const AlteredTable none("fcpRTEnableSwap", [](SettingsKey& row) { row.repair = Repair::none; });
+    EXPECT_EQ(setUpWith(none, "fcpRTEnableSwap"), Pair("", ""));
+
+    const AlteredTable unasked("ColorProcessingPath", [](SettingsKey& row) { row.repair = Repair::none; });
+    ValidPane missing(unasked.rows);
+    missing.domain().erase("MaxEncodeThreads");
+    missing.domain().erase("ColorProcessingPath");
+    missing.load();
+    EXPECT_FALSE(missing.domain().contains("ColorProcessingPath"));
+}
+
+TEST(SetUpOrder, AnotherGroupIsSetUpThere) {
+    const AlteredTable table("PProCS5HasMovieSetup", [](SettingsKey& row) {
+        row.repair = Repair::written;
+        row.group = Group::flags;
+    });
+    MemoryPane it(table.rows);
+    it.load();
+    EXPECT_EQ(contents(it.preferences.synchronizedDomain("com.vantrel.codec"))["PProCS5HasMovieSetup"], "true");
+    EXPECT_THAT(it.journal.linesStarting("cs5SourceSettings enable"), IsEmpty());
+}
+
+TEST(SetUpOrder, AnotherKindIsReadAsSuch) {
+    const AlteredTable table("8bitDebayer", [](SettingsKey& row) {
+        row.kind = Kind::flag;
+        row.setUpDefault = true;
+        row.outlet = "fmtDualStream3D";
+    });
+    ValidPane it(table.rows);
+    it.domain()["8bitDebayer"] = true;
+    it.load();
+    EXPECT_EQ(it.box("fmtDualStream3D").shown, onState);
+}
+
+TEST(SetUpOrder, AnotherOutletShowsTheKey) {
+    const AlteredTable table("FormatRGB8", [](SettingsKey& row) { row.outlet = "fmtDualStream3D"; });
+    ValidPane it(table.rows);
+    it.domain()["FormatRGB8"] = true;
+    it.load();
+    EXPECT_EQ(it.box("fmtDualStream3D").shown, onState);
+}
 
 // The write of ColorProcessingPath
 

@@ -14,8 +14,8 @@ TEST(StereoStatus, EveryClickIsWrittenSynchronisedLoggedAndPostedInThisOrder) {
         ValidPane it;
         it.load();
         it.journal.clear();
-        it.showStereoStatus.shown = state;
-        it.pane.stereoModeStatusViewChange(it.showStereoStatus);
+        it.box("_showStereoStatus").shown = state;
+        it.pane.stereoStatusClicked(it.box("_showStereoStatus"));
         EXPECT_THAT(
             it.journal.lines(),
             ElementsAre(std::string("write ShowStereoStatusMenu = ") + written, "synchronize", "log post notification",
@@ -26,8 +26,8 @@ TEST(StereoStatus, EveryClickIsWrittenSynchronisedLoggedAndPostedInThisOrder) {
 TEST(StereoStatus, AClickThatChangesNothingIsAnnouncedToo) {
     ValidPane it;
     it.load();
-    it.pane.stereoModeStatusViewChange(it.showStereoStatus);
-    it.pane.stereoModeStatusViewChange(it.showStereoStatus);
+    it.pane.stereoStatusClicked(it.box("_showStereoStatus"));
+    it.pane.stereoStatusClicked(it.box("_showStereoStatus"));
     EXPECT_THAT(it.journal.linesStarting("post"), testing::SizeIs(2));
 }
 
@@ -36,7 +36,7 @@ TEST(StereoStatus, TheActionAsksTheSender) {
     it.load();
     MemoryCheckBox sender{it.journal, "sender"};
     sender.shown = onState;
-    it.pane.stereoModeStatusViewChange(sender);
+    it.pane.stereoStatusClicked(sender);
     EXPECT_EQ(contents(it.domain())["ShowStereoStatusMenu"], "true");
 }
 
@@ -44,7 +44,7 @@ TEST(StereoStatus, AFailedSynchroniseIsAnnouncedAllTheSame) {
     ValidPane it;
     it.load();
     it.preferences.synchronizes = false;
-    it.pane.stereoModeStatusViewChange(it.showStereoStatus);
+    it.pane.stereoStatusClicked(it.box("_showStereoStatus"));
     EXPECT_THAT(it.journal.linesStarting("post"), testing::SizeIs(1));
 }
 
@@ -54,7 +54,7 @@ TEST(StereoStatus, TheSetUpPostsNothingEvenWhereItWritesTheDefault) {
         ValidPane it;
         put(it.domain(), "ShowStereoStatusMenu", fault);
         it.load();
-        EXPECT_EQ(it.showStereoStatus.shown, onState);
+        EXPECT_EQ(it.box("_showStereoStatus").shown, onState);
         EXPECT_THAT(it.journal.preferenceChanges(), ElementsAre("write ShowStereoStatusMenu = true", "synchronize"));
         EXPECT_THAT(it.journal.linesStarting("post"), IsEmpty());
         EXPECT_THAT(it.journal.linesStarting("log"), IsEmpty());

@@ -25,15 +25,15 @@ struct ThreadItems : testing::TestWithParam<Cores> {};
 TEST_P(ThreadItems, AreOneForEachCore) {
     MemoryPane it;
     it.processors.cores = GetParam().counted;
-    it.encodeThreads.items = {"of the", "interface file"};
-    it.decodeThreads.items = {"of the", "interface file"};
+    it.menu("encodeThreads").items = {"of the", "interface file"};
+    it.menu("decodeThreads").items = {"of the", "interface file"};
     it.load();
 
     Lines titles;
     for (int threads = 1; threads <= GetParam().offered; ++threads) titles.push_back(std::to_string(threads));
-    EXPECT_THAT(it.encodeThreads.items, ElementsAreArray(titles));
+    EXPECT_THAT(it.menu("encodeThreads").items, ElementsAreArray(titles));
     titles.insert(titles.begin(), "All");
-    EXPECT_THAT(it.decodeThreads.items, ElementsAreArray(titles));
+    EXPECT_THAT(it.menu("decodeThreads").items, ElementsAreArray(titles));
 }
 
 INSTANTIATE_TEST_SUITE_P(ThreadLimits, ThreadItems,
@@ -136,8 +136,7 @@ TEST(ThreadLimits, TheEncodersLimitIsTheLowFiveBitsOfItsIndex) {
         ValidPane it;
         it.load();
         it.journal.clear();
-        it.encodeThreads.selected = index;
-        it.pane.encodeThreadLimitChange(it.encodeThreads);
+        it.choose(key("MaxEncodeThreads"), index);
         EXPECT_THAT(it.journal.lines(),
                     ElementsAre("write MaxEncodeThreads = " + std::to_string(stored), "synchronize"));
     }
@@ -150,9 +149,9 @@ TEST(ThreadLimits, TheActionsAskTheSender) {
     popUp.selected = 2;
     MemoryCheckBox box{it.journal, "sender"};
     box.shown = onState;
-    it.pane.encodeThreadLimitChange(popUp);
-    it.pane.decodeThreadLimitChange(popUp);
-    it.pane.filter422To444Button(box);
+    it.pane.chosen(popUp, key("MaxEncodeThreads"));
+    it.pane.decodeThreadsChosen(popUp);
+    it.pane.chromaFilterClicked(box);
     EXPECT_EQ(contents(it.domain())["MaxEncodeThreads"], "2");
     EXPECT_THAT(it.overrides.record, ElementsAre(Pair("CLSF", 1), Pair("CPUM", 2)));
 }
@@ -173,10 +172,10 @@ TEST(ThreadLimits, TheOverridesAreShownUnchecked) {
 
 TEST(ThreadLimits, WithoutOverridesTheFilterKeepsItsStateAndTheDecoderHasNoLimit) {
     ValidPane it;
-    it.filter422To444.shown = mixedState;
+    it.box("filter422To444").shown = mixedState;
     it.overrides.record = {{"GAIN", 4}};
     it.load();
-    EXPECT_EQ(it.filter422To444.shown, mixedState);
+    EXPECT_EQ(it.box("filter422To444").shown, mixedState);
     EXPECT_THAT(it.journal.linesStarting("filter422To444"), IsEmpty());
     EXPECT_THAT(it.journal.linesStarting("decodeThreads selectItem"), ElementsAre("decodeThreads selectItem 0"));
 }
@@ -185,26 +184,25 @@ TEST(ThreadLimits, EachOverrideIsShownWithoutTheOther) {
     ValidPane filterOnly;
     filterOnly.overrides.record = {{"CLSF", 1}};
     filterOnly.load();
-    EXPECT_EQ(filterOnly.filter422To444.shown, onState);
-    EXPECT_EQ(filterOnly.decodeThreads.selected, 0);
+    EXPECT_EQ(filterOnly.box("filter422To444").shown, onState);
+    EXPECT_EQ(filterOnly.menu("decodeThreads").selected, 0);
 
     ValidPane limitOnly;
     limitOnly.overrides.record = {{"CPUM", 2}};
     limitOnly.load();
-    EXPECT_EQ(limitOnly.filter422To444.shown, offState);
-    EXPECT_EQ(limitOnly.decodeThreads.selected, 2);
+    EXPECT_EQ(limitOnly.box("filter422To444").shown, offState);
+    EXPECT_EQ(limitOnly.menu("decodeThreads").selected, 2);
 }
 
 TEST(ThreadLimits, OverridesThatCantBeOpenedAreLikeNone) {
     ValidPane it;
     it.overrides.record = {{"CLSF", 1}, {"CPUM", 2}};
     it.overrides.canBeOpened = false;
-    it.filter422To444.shown = mixedState;
+    it.box("filter422To444").shown = mixedState;
     it.load();
-    EXPECT_EQ(it.filter422To444.shown, mixedState);
-    EXPECT_EQ(it.decodeThreads.selected, 0);
-    EXPECT_THAT(it.journal.linesStarting("overrides"), ElementsAre("overrides initFromOverride"));
-    EXPECT_THAT(it.journal.linesStarting("metadata"), IsEmpty());
+    EXPECT_EQ(it.box("filter422To444").shown, mixedState);
+    EXPECT_EQ(it.menu("decodeThreads").selected, 0);
+    EXPECT_THAT(it.journal.linesStarting("overrides"), ElementsAre("overrides load"));
     EXPECT_THAT(it.journal.linesStarting("log"), IsEmpty());
     EXPECT_THAT(it.journal.linesStarting("alert"), IsEmpty());
 }
@@ -222,28 +220,20 @@ struct OverrideActions : testing::Test {
     ValidPane it;
 };
 
-TEST_F(OverrideActions, TheDecodersLimitIsAddedThroughTheInstance) {
-    it.decodeThreads.selected = 3;
-    it.pane.decodeThreadLimitChange(it.decodeThreads);
-    EXPECT_THAT(it.journal.lines(), ElementsAre("overrides initFromOverride", "overrides addObject 3 withKey CPUM",
-                                                "overrides writeToOverride"));
-    EXPECT_THAT(it.overrides.record, ElementsAre(Pair("CPUM", 3), Pair("GAIN", -4)));
-}
-
-TEST_F(OverrideActions, TheFilterGoesThroughTheDictionaryAndIsHandedBack) {
-    it.filter422To444.shown = onState;
-    it.pane.filter422To444Button(it.filter422To444);
-    EXPECT_THAT(it.journal.lines(),
-                ElementsAre("overrides initFromOverride", "overrides metadata", "metadata setObject 1 forKey CLSF",
-                            "overrides setMetadata", "overrides writeToOverride"));
-    EXPECT_THAT(it.overrides.record, ElementsAre(Pair("CLSF", 1), Pair("GAIN", -4)));
+TEST_F(OverrideActions, EachWritesItsNumberAndNothingElse) {
+    it.menu("decodeThreads").selected = 3;
+    it.pane.decodeThreadsChosen(it.menu("decodeThreads"));
+    it.box("filter422To444").shown = onState;
+    it.pane.chromaFilterClicked(it.box("filter422To444"));
+    EXPECT_THAT(it.journal.lines(), ElementsAre("overrides write CPUM = 3", "overrides write CLSF = 1"));
+    EXPECT_THAT(it.overrides.record, ElementsAre(Pair("CLSF", 1), Pair("CPUM", 3), Pair("GAIN", -4)));
 }
 
 TEST_F(OverrideActions, TheDecodersLimitIsStoredUnclamped) {
     for (const auto& [index, stored] : {std::pair{0L, 0}, std::pair{2L, 2}, std::pair{99L, 99}, std::pair{-1L, -1},
                                         std::pair{static_cast<long>(0x1FFFFFFFELL), -2}}) {
-        it.decodeThreads.selected = index;
-        it.pane.decodeThreadLimitChange(it.decodeThreads);
+        it.menu("decodeThreads").selected = index;
+        it.pane.decodeThreadsChosen(it.menu("decodeThreads"));
         EXPECT_EQ(it.overrides.record["CPUM"], stored);
     }
 }
@@ -251,48 +241,22 @@ TEST_F(OverrideActions, TheDecodersLimitIsStoredUnclamped) {
 TEST_F(OverrideActions, TheFiltersStateIsStoredAsItIs) {
     for (const auto& [state, stored] : {std::pair{onState, 1}, std::pair{offState, 0}, std::pair{mixedState, -1},
                                         std::pair{256L, 256}, std::pair{static_cast<long>(0x1FFFFFFFELL), -2}}) {
-        it.filter422To444.shown = state;
-        it.pane.filter422To444Button(it.filter422To444);
+        it.box("filter422To444").shown = state;
+        it.pane.chromaFilterClicked(it.box("filter422To444"));
         EXPECT_EQ(it.overrides.record["CLSF"], stored);
     }
 }
 
-TEST_F(OverrideActions, EachLoadsTheRecordAfresh) {
-    it.overrides.record = {{"CLSF", 1}, {"CPUM", 5}, {"NEW ", 8}};
-    it.decodeThreads.selected = 2;
-    it.pane.decodeThreadLimitChange(it.decodeThreads);
-    EXPECT_THAT(it.overrides.record, ElementsAre(Pair("CLSF", 1), Pair("CPUM", 2), Pair("NEW ", 8)));
-
-    it.overrides.record["CPUM"] = 7;
-    it.filter422To444.shown = offState;
-    it.pane.filter422To444Button(it.filter422To444);
-    EXPECT_THAT(it.overrides.record, ElementsAre(Pair("CLSF", 0), Pair("CPUM", 7), Pair("NEW ", 8)));
-}
-
-TEST_F(OverrideActions, NeitherKeepsItsInstance) {
-    it.pane.decodeThreadLimitChange(it.decodeThreads);
-    it.pane.filter422To444Button(it.filter422To444);
-    EXPECT_EQ(it.overrides.liveInstances, 0);
-}
-
-TEST_F(OverrideActions, WhereTheRecordCantBeOpenedNothingHappens) {
+TEST_F(OverrideActions, WhereTheRecordCantBeWrittenTheControlsKeepWhatTheUserChose) {
     it.overrides.canBeOpened = false;
-    it.decodeThreads.selected = 2;
-    it.filter422To444.shown = onState;
-    it.pane.decodeThreadLimitChange(it.decodeThreads);
-    it.pane.filter422To444Button(it.filter422To444);
-    EXPECT_THAT(it.journal.lines(), ElementsAre("overrides initFromOverride", "overrides initFromOverride"));
+    it.menu("decodeThreads").selected = 2;
+    it.box("filter422To444").shown = onState;
+    it.pane.decodeThreadsChosen(it.menu("decodeThreads"));
+    it.pane.chromaFilterClicked(it.box("filter422To444"));
+    EXPECT_THAT(it.journal.lines(), ElementsAre("overrides write CPUM = 2", "overrides write CLSF = 1"));
     EXPECT_THAT(it.overrides.record, ElementsAre(Pair("GAIN", -4)));
-    EXPECT_EQ(it.decodeThreads.selected, 2);
-    EXPECT_EQ(it.filter422To444.shown, onState);
-}
-
-TEST_F(OverrideActions, AFailedWriteIsNotReported) {
-    it.overrides.canBeWritten = false;
-    it.decodeThreads.selected = 2;
-    it.pane.decodeThreadLimitChange(it.decodeThreads);
-    EXPECT_EQ(it.journal.lines().back(), "overrides writeToOverride");
-    EXPECT_EQ(it.decodeThreads.selected, 2);
+    EXPECT_EQ(it.menu("decodeThreads").selected, 2);
+    EXPECT_EQ(it.box("filter422To444").shown, onState);
 }
 
 }  // namespace

@@ -37,7 +37,7 @@ inline MemoryPreferences::Domain validDomain() {
 
 /// A pane whose domain is valid, with default folders of its own, on a machine of three cores. Not yet loaded.
 struct ValidPane : MemoryPane {
-    ValidPane() {
+    explicit ValidPane(std::span<const SettingsKey> table = keyTable) : MemoryPane(table) {
         domain() = validDomain();
         processors.cores = 3;
         bundle.strings = {{"KVRXLutsPath", "/default/luts"}, {"KVRXOverridePath", "/default/overrides"}};

@@ -1,7 +1,10 @@
 #include <gmock/gmock.h>
 #import <objc/runtime.h>
 
+#include <filesystem>
+
 #import "tests/bundle/Host.h"
+#include "tests/host/PrivateMachine.h"
 
 namespace vantrel::host {
 namespace {
@@ -41,13 +44,13 @@ std::string text(id object) {
 }
 
 TEST_F(Bundle, ThePrincipalClassIsAPreferencePane) {
-    Class principal = [[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass];
+    Class principal = principalClass();
     EXPECT_EQ(text(NSStringFromClass(principal)), "VantrelPref");
     EXPECT_TRUE([principal isSubclassOfClass:[NSPreferencePane class]]);
 }
 
 TEST_F(Bundle, APaneWithoutABundleIsNone) {
-    Class principal = [[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass];
+    Class principal = principalClass();
     EXPECT_EQ([[principal alloc] initWithBundle:nil], nil);
 }
 
@@ -96,7 +99,7 @@ TEST_F(Bundle, TheInstanceVariablesStandInTheOrderThatOtherBuildsHaveThem) {
                                  "appID",
                                  "_LUTsPathString",
                                  "_overridePathString"};
-    Class principal = [[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass];
+    Class principal = principalClass();
     ptrdiff_t previous = 0;
     for (const char *name : names) {
         Ivar variable = class_getInstanceVariable(principal, name);
@@ -393,11 +396,271 @@ TEST_F(Bundle, AMissingGammaRowSwitchesTheFirstRowOnInTheRealMatrix) {
     EXPECT_EQ([pane.variable("fmtFCPGamma") selectedRow], 1);
 }
 
+// What the platform is told
+
+/// A method of the platform, replaced for a while.
+class Replaced {
+   public:
+    template <typename Function>
+    Replaced(const char *className, const char *selector, Function *by)
+        : method_(class_getInstanceMethod(objc_getClass(className), sel_registerName(selector))),
+          original_(method_setImplementation(method_, reinterpret_cast<IMP>(reinterpret_cast<void *>(by)))) {}
+    ~Replaced() { method_setImplementation(method_, original_); }
+    Replaced(const Replaced &) = delete;
+    Replaced &operator=(const Replaced &) = delete;
+
+   private:
+    Method method_;
+    IMP original_;
+};
+
+std::vector<std::string> heard;
+
+NSInteger runNothing(NSAlert *alert, SEL) {
+    heard.push_back(text([alert messageText]) + " / " + text([alert informativeText]));
+    return 0;
+}
+
+void hear(id, SEL, NSString *name, NSString *object, NSDictionary *userInfo, BOOL atOnce) {
+    // The application posts notifications of its own.
+    if (![name hasPrefix:@"Stereo"]) return;
+    heard.push_back(text(name) + " from " + text(object) + (userInfo ? " with information" : "") +
+                    (atOnce ? " at once" : ""));
+}
+
+void raise(id, SEL, NSString *name, NSString *, NSDictionary *, BOOL) {
+    if (![name hasPrefix:@"Stereo"]) return;
+    [NSException raise:NSInternalInconsistencyException format:@"no daemon"];
+}
+
+// What each control shows
+
+/// Every check box that shows a flag of the domain, with its key.
+const Flag shownFlags[] = {{"fmtRGB8Bit", "FormatRGB8"},
+                           {"fmtRGB16Bit", "FormatRGB16"},
+                           {"fmtRGB32Bit", "FormatRGB32"},
+                           {"fmtYUV8Bit", "FormatYUV8"},
+                           {"fmtYUV16Bit", "FormatYUV16"},
+                           {"fmtYUV32Bit", "FormatYUV32"},
+                           {"fmtYUV8BitA", "FormatYUV8A"},
+                           {"fmtFCPLetterbox", "FCPForceLetterBox"},
+                           {"fcpRTEnable", "fcpRTEnableSwap"},
+                           {"cs5SourceSettings", "PProCS5HasMovieSetup"},
+                           {"colorMatrix", "colorMatrix"},
+                           {"whiteBalance", "whiteBalance"},
+                           {"look", "look"},
+                           {"gamma", "gamma"},
+                           {"_showStereoStatus", "ShowStereoStatusMenu"}};
+
+TEST_F(Bundle, EachCheckBoxShowsItsOwnFlagAndNoOther) {
+    const Pane pane;
+    for (const auto &shown : shownFlags) {
+        NSMutableDictionary *domain = completeDomain();
+        [domain setObject:[NSNumber numberWithBool:NO] forKey:[NSString stringWithUTF8String:shown.key]];
+        writeDomainFile(domain);
+        [pane.object() mainViewDidLoad];
+        for (const auto &flag : shownFlags) {
+            EXPECT_EQ([pane.variable(flag.outlet) state], flag.key == shown.key ? NSOffState : NSOnState)
+                << flag.outlet << " when " << shown.key << " is false";
+        }
+    }
+}
+
+TEST_F(Bundle, EachMatrixMenuAndFieldShowsItsOwnKey) {
+    NSMutableDictionary *domain = completeDomain();
+    [domain setObject:[NSNumber numberWithInt:1] forKey:@"QTGammaCorrection"];
+    [domain setObject:[NSNumber numberWithInt:1] forKey:@"8bitDebayer"];
+    [domain setObject:[NSNumber numberWithInt:2] forKey:@"RenderDebayer"];
+    writeDomainFile(domain);
+    const Pane pane;
+    EXPECT_EQ([pane.variable("fmtQTGamma") selectedRow], 1);
+    EXPECT_EQ([pane.variable("fmtFCPGamma") selectedRow], 0);
+    EXPECT_EQ([pane.variable("presentationDemosaic") indexOfSelectedItem], 1);
+    EXPECT_EQ([pane.variable("renderDemosaic") indexOfSelectedItem], 2);
+    EXPECT_EQ([pane.variable("encodeThreads") indexOfSelectedItem], 0);
+    EXPECT_EQ(text([pane.variable("_LUTsPath") stringValue]), "/luts");
+    EXPECT_EQ(text([pane.variable("_overridePath") stringValue]), "/overrides");
+}
+
+TEST_F(Bundle, ASecondSetUpShowsWhatIsStoredByThen) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    NSMutableDictionary *domain = completeDomain();
+    [domain setObject:[NSNumber numberWithInt:1] forKey:@"FCPGammaCorrection"];
+    [domain setObject:@"/elsewhere" forKey:@"LUTsPath"];
+    writeDomainFile(domain);
+    [pane.object() mainViewDidLoad];
+    EXPECT_EQ([pane.variable("fmtFCPGamma") selectedRow], 1);
+    EXPECT_EQ(text([pane.variable("_LUTsPath") stringValue]), "/elsewhere");
+    EXPECT_EQ(text([pane.variable("_LUTsPathString") description]), "/elsewhere");
+
+    [domain removeObjectForKey:@"FCPGammaCorrection"];
+    writeDomainFile(domain);
+    [pane.object() mainViewDidLoad];
+    EXPECT_EQ([pane.variable("fmtFCPGamma") selectedRow], 0);
+    EXPECT_EQ(domainFile()["FCPGammaCorrection"], "number 0");
+}
+
+TEST_F(Bundle, TheSetUpEnablesTheTwoHostFlagsAndNothingElse) {
+    const Pane pane;
+    for (const char *outlet : {"fcpRTEnable", "cs5SourceSettings", "fmtRGB8Bit", "fmtFCPLetterbox"}) {
+        [pane.variable(outlet) setEnabled:NO];
+    }
+    [pane.object() mainViewDidLoad];
+    EXPECT_TRUE([pane.variable("fcpRTEnable") isEnabled]);
+    EXPECT_TRUE([pane.variable("cs5SourceSettings") isEnabled]);
+    EXPECT_FALSE([pane.variable("fmtRGB8Bit") isEnabled]);
+    EXPECT_FALSE([pane.variable("fmtFCPLetterbox") isEnabled]);
+}
+
+TEST_F(Bundle, ARowIsOneThatTheMatrixHas) {
+    NSMutableDictionary *domain = completeDomain();
+    const Pane pane;
+    const NSInteger rows = [pane.variable("fmtQTGamma") numberOfRows];
+    [domain setObject:[NSNumber numberWithInteger:rows] forKey:@"QTGammaCorrection"];
+    [domain setObject:[NSNumber numberWithInteger:rows - 1] forKey:@"FCPGammaCorrection"];
+    writeDomainFile(domain);
+    [pane.object() mainViewDidLoad];
+    EXPECT_EQ([pane.variable("fmtQTGamma") selectedRow], 0);
+    EXPECT_EQ(domainFile()["QTGammaCorrection"], "number 0");
+    EXPECT_EQ([pane.variable("fmtFCPGamma") selectedRow], rows - 1);
+    EXPECT_EQ(domainFile()["FCPGammaCorrection"], "number " + std::to_string(rows - 1));
+}
+
+TEST_F(Bundle, TheMixedStateIsStoredAsOnAndTheFiltersAsItIs) {
+    const Pane pane;
+    pane.set("fmtRGB8Bit", NSMixedState);
+    EXPECT_EQ(domainFile()["FormatRGB8"], "bool 1");
+    pane.set("look", NSMixedState);
+    EXPECT_EQ(domainFile()["look"], "bool 1");
+    pane.set("filter422To444", NSMixedState);
+    EXPECT_EQ(overrideRecord()["CLSF"], "number -1");
+}
+
+TEST_F(Bundle, AnyByteButZeroIsTrue) {
+    const Pane pane;
+    id<StoreOperations> store = (id<StoreOperations>)pane.object();
+    for (const signed char value : {2, -1, -128, 127}) {
+        [store updateBoolPref:NO forKey:@"FormatRGB8"];
+        [store updateBoolPref:static_cast<BOOL>(value) forKey:@"FormatRGB8"];
+        EXPECT_EQ(domainFile()["FormatRGB8"], "bool 1") << int{value};
+    }
+}
+
+TEST_F(Bundle, TheChecksOfASetUpTellWhetherTheyWrote) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    id<StoreOperations> store = (id<StoreOperations>)pane.object();
+    EXPECT_FALSE([store initPrefCheck:pane.variable("fmtRGB8Bit") forKey:@"FormatRGB8"]);
+    EXPECT_TRUE([store initPrefCheck:pane.variable("fmtRGB8Bit") forKey:@"no such flag"]);
+    EXPECT_FALSE([store initIntPrefCheck:pane.variable("fmtQTGamma") forKey:@"QTGammaCorrection"]);
+    EXPECT_TRUE([store initIntPrefCheck:pane.variable("fmtQTGamma") forKey:@"no such row"]);
+    EXPECT_FALSE(domainFile().contains("no such flag"));
+    [store updateBoolPref:YES forKey:@"FormatRGB8"];
+    EXPECT_EQ(domainFile()["no such flag"], "bool 1");
+    EXPECT_EQ(domainFile()["no such row"], "number 0");
+}
+
+// What may be missing
+
+TEST_F(Bundle, OutletsAndSendersMayBeNil) {
+    const Replaced runModal("NSAlert", "runModal", runNothing);
+    writeDomainFile(completeDomain());
+    NSPreferencePane *pane = [[principalClass() alloc] initWithBundle:[NSBundle bundleWithPath:@BUNDLE_PATH]];
+    [pane mainViewDidLoad];
+    unsigned int count = 0;
+    Method *methods = class_copyMethodList(principalClass(), &count);
+    int actions = 0;
+    for (unsigned int i = 0; i < count; ++i) {
+        const std::string name = sel_getName(method_getName(methods[i]));
+        if (std::count(name.begin(), name.end(), ':') != 1 || name.starts_with("init") || name.ends_with("Bit:"))
+            continue;
+        [pane performSelector:method_getName(methods[i]) withObject:nil];
+        ++actions;
+    }
+    free(methods);
+    EXPECT_EQ(actions, 28);
+    EXPECT_EQ(domainFile()["FormatRGB8"], "bool 0");
+    EXPECT_EQ(domainFile()["LUTsPath"], "string ");
+}
+
+/// A bundle with nothing in it but its identifier.
+NSBundle *bareBundle() {
+    NSString *path = @HOME_PATH "/Bare.prefPane";
+    [[NSFileManager defaultManager] createDirectoryAtPath:[path stringByAppendingPathComponent:@"Resources"]
+                              withIntermediateDirectories:YES
+                                               attributes:nil
+                                                    error:nullptr];
+    writeList([NSDictionary dictionaryWithObject:@"bare" forKey:@"CFBundleIdentifier"],
+              [path stringByAppendingPathComponent:@"Resources/Info-gnustep.plist"]);
+    return [NSBundle bundleWithPath:path];
+}
+
+TEST_F(Bundle, ABundleWithoutVersionAndTextsShowsNoVersionAndAPath) {
+    NSPreferencePane *pane = [[principalClass() alloc] initWithBundle:bareBundle()];
+    ASSERT_TRUE(pane);
+    const auto variable = [&](const char *name) {
+        return object_getIvar(pane, class_getInstanceVariable(principalClass(), name));
+    };
+    EXPECT_EQ(variable("_versionString"), nil);
+    EXPECT_EQ(text(variable("_LUTsPathString")), "a path");
+    EXPECT_EQ(text(variable("_overridePathString")), "a path");
+    [pane mainViewDidLoad];
+    [(id<StoreOperations>)pane updateBoolPref:YES forKey:@"look"];
+    EXPECT_EQ(domainFile()["LUTsPath"], "string a path");
+    EXPECT_EQ(domainFile()["OverridePath"], "string a path");
+}
+
+// What the pane tells others
+
+void writeVersion(NSString *version) {
+    NSString *folder = @"/Applications/Final Cut Pro.app/Contents";
+    [[NSFileManager defaultManager] createDirectoryAtPath:folder
+                              withIntermediateDirectories:YES
+                                               attributes:nil
+                                                    error:nullptr];
+    writeList([NSDictionary dictionaryWithObject:version forKey:@"CFBundleVersion"],
+              [folder stringByAppendingPathComponent:@"version.plist"]);
+}
+
+TEST_F(Bundle, AnAlertHasItsMessageAndWhatThereIsMoreToSay) {
+    heard.clear();
+    const Replaced runModal("NSAlert", "runModal", runNothing);
+    const Pane pane;
+    pane.set("fcpRTEnable", NSOnState);
+    EXPECT_EQ([pane.variable("fcpRTEnable") state], NSOffState);
+    writeVersion(@"10.0.1");
+    pane.set("fcpRTEnable", NSOnState);
+    std::filesystem::remove_all("/Applications/Final Cut Pro.app");
+    EXPECT_THAT(heard, testing::ElementsAre("Could not find any FCP installation / ",
+                                            "Could not find supported version of FCP / Found version 10.0.1"));
+}
+
+TEST_F(Bundle, AStereoClickIsPostedAtOnceWithoutInformation) {
+    heard.clear();
+    const Replaced post("NSDistributedNotificationCenter",
+                        "postNotificationName:object:userInfo:deliverImmediately:", hear);
+    const Pane pane;
+    EXPECT_THAT(heard, testing::IsEmpty());
+    pane.click("_showStereoStatus");
+    EXPECT_THAT(heard, testing::ElementsAre("StereoStatusMenuViewChanged from com.vantrel.PreferencePane at once"));
+}
+
+TEST_F(Bundle, ANotificationDaemonThatCantBeHadCostsNoException) {
+    const Replaced post("NSDistributedNotificationCenter",
+                        "postNotificationName:object:userInfo:deliverImmediately:", raise);
+    const Pane pane;
+    EXPECT_NO_THROW(pane.click("_showStereoStatus"));
+    EXPECT_EQ(domainFile()["ShowStereoStatusMenu"], "bool 0");
+}
+
 }  // namespace
 }  // namespace vantrel::host
 
 int main(int argc, char **argv) {
     testing::InitGoogleTest(&argc, argv);
+    // Its Final Cut Pro is none of the machine's.
+    vantrel::PrivateMachine::enter();
     NSAutoreleasePool *pool = [NSAutoreleasePool new];
     [NSApplication sharedApplication];
     const int result = RUN_ALL_TESTS();

@@ -29,17 +29,24 @@ void emptyHome();
 /// "string /Volumes". Empty when there is no file.
 std::map<std::string, std::string> domainFile();
 
+/// Writes an XML property list.
+void writeList(NSDictionary *list, NSString *path);
+
 /// Writes the codec's domain file as another program would.
 void writeDomainFile(NSDictionary *domain);
 
 /// What is in the override record, likewise.
 std::map<std::string, std::string> overrideRecord();
 
+/// The principal class of the built bundle.
+Class principalClass();
+
 /// A pane as the settings host makes it: the principal class of the bundle, its view loaded and in a window. Like the
 /// host's, it is never torn down; it only goes off the screen.
 class Pane {
    public:
-    Pane();
+    /// Of the built bundle; `resources` is one whose texts and information are used instead.
+    explicit Pane(NSBundle *resources = nil);
     ~Pane();
     Pane(const Pane &) = delete;
     Pane &operator=(const Pane &) = delete;
@@ -48,6 +55,9 @@ class Pane {
 
     /// The object in the instance variable of that name; nil when the class has no such variable.
     id variable(const char *name) const;
+
+    /// Sets a check box to a state, mixed included, and sends its action.
+    void set(const char *outlet, NSInteger state) const;
 
     /// Tells a control that the user clicked it.
     void click(const char *outlet) const { [variable(outlet) performClick:nil]; }

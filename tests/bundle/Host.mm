@@ -35,8 +35,7 @@ std::string home() {
 
 void emptyHome() {
     // The pane's store lives as long as the process: what earlier panes wrote and didn't synchronise goes first.
-    id pane = [[[[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass] alloc]
-        initWithBundle:[NSBundle bundleWithPath:@BUNDLE_PATH]];
+    id pane = [[principalClass() alloc] initWithBundle:[NSBundle bundleWithPath:@BUNDLE_PATH]];
     [(id<StoreOperations>)pane updateBoolPref:YES forKey:@"flushed"];
     std::filesystem::remove_all(home() + "/Defaults");
     std::filesystem::remove_all(home() + "/Library");
@@ -48,11 +47,15 @@ std::map<std::string, std::string> domainFile() {
     return described([NSDictionary dictionaryWithContentsOfFile:domainPath()]);
 }
 
-void writeDomainFile(NSDictionary *domain) {
-    NSData *xml = [NSPropertyListSerialization dataFromPropertyList:domain
+void writeList(NSDictionary *list, NSString *path) {
+    NSData *xml = [NSPropertyListSerialization dataFromPropertyList:list
                                                              format:NSPropertyListXMLFormat_v1_0
                                                    errorDescription:nullptr];
-    ASSERT_TRUE([xml writeToFile:domainPath() atomically:YES]);
+    ASSERT_TRUE([xml writeToFile:path atomically:YES]);
+}
+
+void writeDomainFile(NSDictionary *domain) {
+    writeList(domain, domainPath());
 }
 
 std::map<std::string, std::string> overrideRecord() {
@@ -60,9 +63,13 @@ std::map<std::string, std::string> overrideRecord() {
         dictionaryWithContentsOfFile:@HOME_PATH "/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist"]);
 }
 
-Pane::Pane() {
+Class principalClass() {
+    return [[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass];
+}
+
+Pane::Pane(NSBundle *resources) {
     NSBundle *bundle = [NSBundle bundleWithPath:@BUNDLE_PATH];
-    object_ = [[[bundle principalClass] alloc] initWithBundle:bundle];
+    object_ = [[principalClass() alloc] initWithBundle:resources ? resources : bundle];
     NSView *view = [object_ loadMainView];
     window_ = [[NSWindow alloc] initWithContentRect:[view bounds]
                                           styleMask:NSTitledWindowMask
@@ -80,6 +87,13 @@ Pane::~Pane() {
 id Pane::variable(const char *name) const {
     Ivar variable = class_getInstanceVariable([object_ class], name);
     return variable ? object_getIvar(object_, variable) : nil;
+}
+
+void Pane::set(const char *outlet, NSInteger state) const {
+    NSButton *box = variable(outlet);
+    [box setAllowsMixedState:YES];
+    [box setState:state];
+    [box sendAction:[box action] to:[box target]];
 }
 
 void Pane::choose(const char *outlet, NSInteger index) const {

@@ -127,12 +127,10 @@ std::set<std::string> strangers() {
 
 /// The pane's part in front of real files.
 struct Switch {
-    Switch() { appID.set("com.vantrel.codec"); }
-
     /// The user clicks the check box, which then shows `on`.
     void click(bool on) {
         control.shown = on ? onState : offState;
-        enablerSwitch.clicked(control);
+        if (const auto shown = enablerSwitch.turn(control.shown)) control.setState(*shown);
     }
 
     /// The value of the key: "true", "false", or "" when it was not written.
@@ -148,8 +146,7 @@ struct Switch {
     memory::MemoryAlerts alerts{journal};
     memory::MemoryLog log{journal};
     memory::MemoryPreferences preferences{journal};
-    memory::MemoryString appID;
-    SettingsStore store{preferences, appID};
+    SettingsStore store{preferences};
     posix::FaultySystemCalls calls;
     posix::PosixFiles files{calls};
     gnustep::GNUstepPropertyLists propertyLists{calls};

@@ -37,7 +37,6 @@ std::ostream& operator<<(std::ostream& out, Folder folder) {
 /// A switch in front of Final Cut Pro 7.0.3, for which there is an enabler. Nothing is swapped yet.
 struct EnablerSwitchTest : testing::Test {
     EnablerSwitchTest() {
-        appID.set("com.vantrel.codec");
         propertyLists.dictionaries[record] = {{"CFBundleVersion", "7.0.3"}, {"CFBundleShortVersionString", "10.1"}};
         files.contents[ours703] = "ours";
         enter(Folder::inactive);
@@ -68,7 +67,7 @@ struct EnablerSwitchTest : testing::Test {
     void click(long state) {
         box.shown = state;
         journal.clear();
-        enabler.clicked(box);
+        if (const auto shown = enabler.turn(state)) box.setState(*shown);
     }
 
     /// The key as it is read back, "absent" where it was never written.
@@ -99,8 +98,7 @@ struct EnablerSwitchTest : testing::Test {
     MemoryPropertyLists propertyLists{journal};
     MemoryAlerts alerts{journal};
     MemoryLog log{journal};
-    MemoryString appID;
-    SettingsStore store{preferences, appID};
+    SettingsStore store{preferences};
     MemoryCheckBox box{journal, "box"};
     EnablerSwitch enabler{files, propertyLists, alerts, log, store};
 };

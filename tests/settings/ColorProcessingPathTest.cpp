@@ -7,6 +7,10 @@
 namespace vantrel::colorProcessingPath {
 namespace {
 
+constexpr std::int32_t lookBit = 3;
+constexpr DemosaicField presentationDemosaic{16};
+constexpr DemosaicField renderDemosaic{20};
+
 constexpr std::nullopt_t missing = std::nullopt;
 
 /// A stored value with bits past those of a 32-bit `long`, where a `long` has them.
@@ -15,13 +19,6 @@ constexpr long upperBits = static_cast<long>(0x7654321000000000LL);
 /// A 32-bit pattern as an integer that is written: sign-extended.
 constexpr long signExtended(std::uint32_t pattern) {
     return static_cast<std::int32_t>(pattern);
-}
-
-TEST(ColorProcessingPath, EachStageHasItsBit) {
-    EXPECT_EQ(maskOfBit(colorMatrixBit), 0x2);
-    EXPECT_EQ(maskOfBit(whiteBalanceBit), 0x4);
-    EXPECT_EQ(maskOfBit(lookBit), 0x8);
-    EXPECT_EQ(maskOfBit(gammaBit), 0x20);
 }
 
 TEST(ColorProcessingPath, EachDemosaicHasFourBits) {

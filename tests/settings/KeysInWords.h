@@ -7,16 +7,9 @@
 namespace vantrel {
 
 /// The key table's columns as people read them.
-inline std::string describe(Encoding encoding) {
-    switch (encoding) {
-        case Encoding::flag:
-            return "flag";
-        case Encoding::integer:
-            return "integer";
-        case Encoding::text:
-            return "text";
-    }
-    return "?";
+inline std::string typeOf(Kind kind) {
+    if (kind == Kind::flag) return "flag";
+    return kind == Kind::text ? "text" : "integer";
 }
 
 inline std::string describe(const SetUpDefault& value) {

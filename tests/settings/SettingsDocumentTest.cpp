@@ -4,7 +4,7 @@
 #include <map>
 #include <sstream>
 
-#include "overrides/MetadataDictionary.h"
+#include "overrides/OverrideMetadata.h"
 #include "settings/KeyTable.h"
 #include "tests/settings/KeysInWords.h"
 
@@ -42,15 +42,15 @@ TEST(SettingsDocument, TellsTypeAndDefaultOfEveryKey) {
     for (const auto& key : keyTable) {
         const auto row = rows.find(std::string(key.name));
         ASSERT_NE(row, rows.end()) << key.name;
-        EXPECT_EQ(row->second.type, describe(key.encoding)) << key.name;
+        EXPECT_EQ(row->second.type, typeOf(key.kind)) << key.name;
         EXPECT_EQ(row->second.setUpDefault, describe(key.setUpDefault)) << key.name;
     }
-    EXPECT_TRUE(rows.contains(std::string(overrideKeys::chromaFilter)));
-    EXPECT_TRUE(rows.contains(std::string(overrideKeys::decodeThreads)));
+    EXPECT_TRUE(rows.contains(std::string(overrideKeys::chromaFilter.name)));
+    EXPECT_TRUE(rows.contains(std::string(overrideKeys::decodeThreads.name)));
 }
 
 TEST(SettingsDocument, TellsOfNoKeyThatThereIsnt) {
-    EXPECT_EQ(documentedSettings().size(), keyTable.size() + 2);
+    EXPECT_EQ(documentedSettings().size(), std::size(keyTable) + 2);
 }
 
 /// The English string table, the titles that the pane shows.

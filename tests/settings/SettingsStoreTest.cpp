@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "platform/memory/MemoryControls.h"
 #include "settings/SettingsStore.h"
-#include "tests/Rules.h"
 #include "tests/StoredValues.h"
 
 namespace vantrel::memory {
@@ -11,128 +9,94 @@ namespace {
 using testing::ElementsAre;
 using testing::Pair;
 
-/// The store on preferences in memory, with a check box and a radio matrix of two rows that shows row 1.
 struct SettingsStoreTest : testing::Test {
-    SettingsStoreTest() {
-        appID.set("com.vantrel.codec");
-        matrix.selected = 1;
-    }
-
     MemoryPreferences::Domain& domain() { return preferences.domain("com.vantrel.codec"); }
     std::string stored(const std::string& key) { return contents(domain())[key]; }
 
     Journal journal;
     MemoryPreferences preferences{journal};
-    MemoryString appID;
-    SettingsStore store{preferences, appID};
-    MemoryCheckBox box{journal, "box"};
-    MemoryRadioMatrix matrix{journal, "matrix"};
+    SettingsStore store{preferences};
 };
 
-// A flag's check box at set-up
+// Reads and repairs
 
-TEST_F(SettingsStoreTest, AStoredFlagIsShownAndNothingIsWritten) {
-    for (const bool flag : {true, false}) {
-        journal.clear();
-        domain()["key"] = flag;
-        EXPECT_FALSE(store.initPrefCheckForKey(box, "key"));
-        EXPECT_THAT(journal.lines(), ElementsAre("read key", flag ? "box setState 1" : "box setState 0"));
-        EXPECT_THAT(contents(domain()), ElementsAre(Pair("key", flag ? "true" : "false")));
+TEST_F(SettingsStoreTest, AReadWritesNothing) {
+    EXPECT_TRUE(*store.read(key("FormatRGB8")).flag());
+    EXPECT_THAT(journal.lines(), ElementsAre("read FormatRGB8"));
+}
+
+TEST_F(SettingsStoreTest, ARepairStoresTheDefaultAndNeverSynchronises) {
+    const Reading reading = store.repair(key("FormatRGB8"));
+    EXPECT_TRUE(*reading.flag());
+    EXPECT_TRUE(reading.synchronizes);
+    EXPECT_THAT(journal.lines(), ElementsAre("read FormatRGB8", "write FormatRGB8 = true"));
+}
+
+TEST_F(SettingsStoreTest, AValidKeyNeedsNoRepair) {
+    domain()["FormatRGB8"] = false;
+    const Reading reading = store.repair(key("FormatRGB8"));
+    EXPECT_FALSE(*reading.flag());
+    EXPECT_FALSE(reading.repair);
+    EXPECT_THAT(journal.lines(), ElementsAre("read FormatRGB8"));
+}
+
+TEST_F(SettingsStoreTest, EveryReadIsFresh) {
+    domain()["look"] = true;
+    EXPECT_TRUE(*store.read(key("look")).flag());
+    domain()["look"] = false;
+    EXPECT_FALSE(*store.read(key("look")).flag());
+}
+
+// Changes, by what a key's row says
+
+TEST_F(SettingsStoreTest, AChangedFlagIsWrittenAndSynchronised) {
+    store.change(key("FormatRGB8"), false);
+    EXPECT_THAT(journal.lines(), ElementsAre("write FormatRGB8 = false", "synchronize"));
+}
+
+TEST_F(SettingsStoreTest, AChangedTextIsWrittenAndSynchronised) {
+    store.change(key("LUTsPath"), std::string());
+    EXPECT_THAT(journal.lines(), ElementsAre("write LUTsPath = \"\"", "synchronize"));
+}
+
+TEST_F(SettingsStoreTest, AChangedStageTakesItsBitAlongAndSynchronisesOnce) {
+    store.change(key("gamma"), true);
+    EXPECT_THAT(journal.lines(), ElementsAre("write gamma = true", "read ColorProcessingPath",
+                                             "write ColorProcessingPath = 33", "synchronize"));
+}
+
+TEST_F(SettingsStoreTest, AChangedMethodTakesItsFieldAlongAndSynchronisesOnce) {
+    domain()["ColorProcessingPath"] = Number{0x2F};
+    store.change(key("RenderDebayer"), 2L);
+    EXPECT_THAT(journal.lines(), ElementsAre("write RenderDebayer = 2", "read ColorProcessingPath",
+                                             "write ColorProcessingPath = " + std::to_string(0x20002F), "synchronize"));
+}
+
+TEST_F(SettingsStoreTest, AMenusIndexIsHeldToItsBitsAndARowIsNot) {
+    for (const auto& [index, method, limit, row] :
+         {std::tuple{17L, "1", "17", "17"}, std::tuple{32L, "0", "0", "32"}, std::tuple{-1L, "0", "0", "-1"},
+          std::tuple{static_cast<long>(0x1FFFFFFFELL), "0", "0", "-2"}}) {
+        store.change(key("8bitDebayer"), index);
+        store.change(key("MaxEncodeThreads"), index);
+        store.change(key("QTGammaCorrection"), index);
+        EXPECT_EQ(stored("8bitDebayer"), method);
+        EXPECT_EQ(stored("MaxEncodeThreads"), limit);
+        EXPECT_EQ(stored("QTGammaCorrection"), row);
     }
 }
 
-TEST_F(SettingsStoreTest, WhatIsNoFlagIsShownOnAndReplacedByTrueWithoutASynchronise) {
-    for (const auto& fault : faultsOfAFlag) {
-        SCOPED_TRACE(fault.name);
-        journal.clear();
-        put(domain(), "key", fault);
-        EXPECT_TRUE(store.initPrefCheckForKey(box, "key"));
-        EXPECT_THAT(journal.lines(), ElementsAre("read key", "box setState 1", "write key = true"));
-        EXPECT_THAT(contents(domain()), ElementsAre(Pair("key", "true")));
-    }
-}
-
-// An integer's radio matrix at set-up
-
-TEST_F(SettingsStoreTest, AStoredRowIsSelectedAndNothingIsWritten) {
-    for (const long row : {0L, 1L}) {
-        journal.clear();
-        domain()["key"] = Number{row};
-        EXPECT_FALSE(store.initIntPrefCheckForKey(matrix, "key"));
-        EXPECT_THAT(journal.lines(),
-                    ElementsAre("read key", "matrix selectCellAtRow " + std::to_string(row) + " column 0"));
-        EXPECT_EQ(matrix.selected, row);
-    }
-}
-
-TEST_F(SettingsStoreTest, ARadioKeyThatIsNoNumberSwitchesRowZeroOnAndWritesZero) {
-    for (const auto& fault : faultsOfAnInteger) {
-        SCOPED_TRACE(fault.name);
-        journal.clear();
-        put(domain(), "key", fault);
-        EXPECT_TRUE(store.initIntPrefCheckForKey(matrix, "key"));
-        EXPECT_THAT(journal.lines(), ElementsAre("read key", "matrix setState 1 atRow 0 column 0", "write key = 0"));
-        EXPECT_THAT(contents(domain()), ElementsAre(Pair("key", "0")));
-    }
-}
-
-TEST_F(SettingsStoreTest, ARadioKeyOutOfRangeSelectsRowZeroAndWritesZero) {
-    for (const std::int64_t row : {2, 5, -1, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {
-        SCOPED_TRACE(row);
-        journal.clear();
-        domain()["key"] = storedInteger(row);
-        EXPECT_TRUE(store.initIntPrefCheckForKey(matrix, "key"));
-        EXPECT_THAT(journal.lines(), ElementsAre("read key", "matrix selectCellAtRow 0 column 0", "write key = 0"));
-        EXPECT_THAT(contents(domain()), ElementsAre(Pair("key", "0")));
-    }
-}
-
-TEST_F(SettingsStoreTest, TheMatrixDecidesHowManyRowsThereAre) {
-    domain()["key"] = Number{5};
-    matrix.rows = 6;
-    EXPECT_FALSE(store.initIntPrefCheckForKey(matrix, "key"));
-    EXPECT_EQ(matrix.selected, 5);
-
-    domain()["key"] = Number{0};
-    matrix.rows = 0;
-    EXPECT_TRUE(store.initIntPrefCheckForKey(matrix, "key"));
-}
-
-TEST_F(SettingsStoreTest, AnUnreadableRadioKeyLeavesMatrixAndKeyAlone) {
-    domain()["key"] = unreadableNumber;
-    EXPECT_FALSE(store.initIntPrefCheckForKey(matrix, "key"));
-    EXPECT_THAT(journal.lines(), ElementsAre("read key"));
-    EXPECT_EQ(matrix.selected, 1);
-    EXPECT_EQ(stored("key"), "unreadable number");
-}
-
-/// Where a `long` has 32 bits, such a number can't be read at all.
-TEST_F(SettingsStoreTest, OfARadioKeyPast32BitsTheLow32BitsCount) {
-    matrix.selected = 0;
-    domain()["key"] = storedInteger(0x100000001);
-    EXPECT_FALSE(store.initIntPrefCheckForKey(matrix, "key"));
-    EXPECT_EQ(matrix.selected, sizeof(long) == 8 ? 1 : 0);
-    EXPECT_THAT(journal.preferenceChanges(), ElementsAre());
-}
-
-TEST_F(SettingsStoreTest, TheLow32BitsOfARadioKeyAreSigned) {
-    domain()["key"] = storedInteger(0xFFFFFFFF);
-    EXPECT_EQ(store.initIntPrefCheckForKey(matrix, "key"), sizeof(long) == 8);
-    EXPECT_EQ(stored("key"), sizeof(long) == 8 ? "0" : "unreadable number");
-}
-
-// Updates
+// Updates of any key
 
 TEST_F(SettingsStoreTest, AFlagIsWrittenAndSynchronised) {
-    store.updateBoolPrefForKey(true, "key");
-    store.updateBoolPrefForKey(false, "key");
+    store.setFlag("key", true);
+    store.setFlag("key", false);
     EXPECT_THAT(journal.lines(), ElementsAre("write key = true", "synchronize", "write key = false", "synchronize"));
 }
 
 TEST_F(SettingsStoreTest, AnIntegerIsWrittenSignExtendedAndSynchronised) {
-    store.updateIntPrefForKey(1, "key");
-    store.updateIntPrefForKey(-1, "key");
-    store.updateIntPrefForKey(-0x7FFFFFFF - 1, "key");
+    store.setInteger("key", 1);
+    store.setInteger("key", -1);
+    store.setInteger("key", -0x7FFFFFFF - 1);
     EXPECT_THAT(journal.lines(), ElementsAre("write key = 1", "synchronize",   //
                                              "write key = -1", "synchronize",  //
                                              "write key = -2147483648", "synchronize"));
@@ -140,28 +104,28 @@ TEST_F(SettingsStoreTest, AnIntegerIsWrittenSignExtendedAndSynchronised) {
 
 TEST_F(SettingsStoreTest, AFlagSwitchedOnIsSynchronisedOnceTogetherWithItsBitAndBit0) {
     domain()["ColorProcessingPath"] = Number{0x300000};
-    store.updateBoolPrefForKeyForBit(true, "look", 3);
+    store.setFlagAndBit("look", true, 3);
     EXPECT_THAT(journal.lines(), ElementsAre("write look = true", "read ColorProcessingPath",
                                              "write ColorProcessingPath = " + std::to_string(0x300009), "synchronize"));
 }
 
 TEST_F(SettingsStoreTest, AFlagSwitchedOffIsSynchronisedOnceTogetherWithItsBitAlone) {
     domain()["ColorProcessingPath"] = Number{0x32002F};
-    store.updateBoolPrefForKeyForBit(false, "look", 3);
+    store.setFlagAndBit("look", false, 3);
     EXPECT_THAT(journal.lines(), ElementsAre("write look = false", "read ColorProcessingPath",
                                              "write ColorProcessingPath = " + std::to_string(0x320027), "synchronize"));
 }
 
 TEST_F(SettingsStoreTest, SettingABitReadsWritesAndSynchronisesOnce) {
     domain()["ColorProcessingPath"] = Number{0x300000};
-    store.setProcPathBit(3);
+    store.setPathBit(3);
     EXPECT_THAT(journal.lines(), ElementsAre("read ColorProcessingPath",
                                              "write ColorProcessingPath = " + std::to_string(0x300009), "synchronize"));
 }
 
 TEST_F(SettingsStoreTest, ClearingABitReadsWritesAndSynchronisesOnce) {
     domain()["ColorProcessingPath"] = Number{0x2F};
-    store.clearProcPathBit(3);
+    store.clearPathBit(3);
     EXPECT_THAT(journal.lines(), ElementsAre("read ColorProcessingPath",
                                              "write ColorProcessingPath = " + std::to_string(0x27), "synchronize"));
 }
@@ -172,7 +136,7 @@ TEST_F(SettingsStoreTest, SettingABitOfWhatIsNoReadableNumberGivesTheBitAndBit0)
     for (const auto& fault : faults) {
         SCOPED_TRACE(fault.name);
         put(domain(), "ColorProcessingPath", fault);
-        store.setProcPathBit(3);
+        store.setPathBit(3);
         EXPECT_EQ(stored("ColorProcessingPath"), "9");
     }
 }
@@ -183,7 +147,7 @@ TEST_F(SettingsStoreTest, ClearingABitOfWhatIsNoReadableNumberGivesZero) {
     for (const auto& fault : faults) {
         SCOPED_TRACE(fault.name);
         put(domain(), "ColorProcessingPath", fault);
-        store.clearProcPathBit(3);
+        store.clearPathBit(3);
         EXPECT_EQ(stored("ColorProcessingPath"), "0");
     }
 }
@@ -192,67 +156,39 @@ TEST_F(SettingsStoreTest, ClearingABitOfWhatIsNoReadableNumberGivesZero) {
 TEST_F(SettingsStoreTest, BitsAboveBit31SurviveTheBitOperations) {
     constexpr std::int64_t wide = 0x1234567800000000;
     domain()["ColorProcessingPath"] = storedInteger(wide | 0x20);
-    store.setProcPathBit(3);
+    store.setPathBit(3);
     EXPECT_EQ(stored("ColorProcessingPath"), std::to_string(sizeof(long) == 8 ? wide | 0x29 : 0x9));
-    store.clearProcPathBit(3);
+    store.clearPathBit(3);
     EXPECT_EQ(stored("ColorProcessingPath"), std::to_string(sizeof(long) == 8 ? wide | 0x21 : 0x1));
+}
+
+TEST_F(SettingsStoreTest, BitsAreAddedToThePathWithoutBit0AndWithoutASynchronise) {
+    store.addToPath(0x2E);
+    EXPECT_EQ(stored("ColorProcessingPath"), "46");
+    domain()["ColorProcessingPath"] = Number{0x300010};
+    store.addToPath(0x8);
+    EXPECT_EQ(stored("ColorProcessingPath"), std::to_string(0x300018));
+    EXPECT_THAT(journal.linesStarting("synchronize"), ElementsAre());
 }
 
 // The domain
 
-TEST_F(SettingsStoreTest, WorksOnTheDomainThatTheApplicationIDNames) {
-    appID.set("com.example.other");
-    store.updateBoolPrefForKeyForBit(true, "look", 3);
-    store.initPrefCheckForKey(box, "box");
-    store.initIntPrefCheckForKey(matrix, "matrix");
-    EXPECT_THAT(preferences.applications(), ElementsAre("com.example.other"));
-}
-
-TEST_F(SettingsStoreTest, EveryReadIsFresh) {
-    domain()["key"] = true;
-    store.initPrefCheckForKey(box, "key");
-    domain()["key"] = false;
-    store.initPrefCheckForKey(box, "key");
-    EXPECT_EQ(box.shown, offState);
+TEST_F(SettingsStoreTest, NoOtherDomainIsTouched) {
+    store.change(key("look"), true);
+    store.repair(key("gamma"));
+    store.read(key("FormatRGB8"));
+    EXPECT_THAT(preferences.applications(), ElementsAre("com.vantrel.codec"));
 }
 
 TEST_F(SettingsStoreTest, AFailedSynchroniseIsNotReportedAndLosesNothing) {
     preferences.synchronizes = false;
-    store.updateIntPrefForKey(3, "key");
-    store.setProcPathBit(3);
+    store.setInteger("key", 3);
+    store.setPathBit(3);
     EXPECT_THAT(contents(preferences.synchronizedDomain("com.vantrel.codec")), ElementsAre());
     preferences.synchronizes = true;
     store.synchronize();
     EXPECT_THAT(contents(preferences.synchronizedDomain("com.vantrel.codec")),
                 ElementsAre(Pair("ColorProcessingPath", "9"), Pair("key", "3")));
-}
-
-// Plain reads
-
-TEST_F(SettingsStoreTest, AReadOfTheWrongTypeFindsNothing) {
-    for (const auto& fault : faultsOfAFlag) {
-        put(domain(), "key", fault);
-        EXPECT_EQ(store.flagForKey("key"), std::nullopt) << fault.name;
-    }
-    for (const auto& fault : faultsOfAnInteger) {
-        put(domain(), "key", fault);
-        EXPECT_EQ(store.integerForKey("key"), std::nullopt) << fault.name;
-    }
-    for (const auto& fault : faultsOfAText) {
-        put(domain(), "key", fault);
-        EXPECT_EQ(store.textForKey("key"), std::nullopt) << fault.name;
-    }
-    domain()["key"] = unreadableNumber;
-    EXPECT_EQ(store.integerForKey("key"), std::nullopt);
-}
-
-TEST_F(SettingsStoreTest, AnIntegerIsReadAsTheWholeLong) {
-    domain()["key"] = storedInteger(0x100000001);
-    if constexpr (sizeof(long) == 8) {
-        EXPECT_EQ(store.integerForKey("key"), static_cast<long>(0x100000001));
-    } else {
-        EXPECT_EQ(store.integerForKey("key"), std::nullopt);
-    }
 }
 
 }  // namespace
