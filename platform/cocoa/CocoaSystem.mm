@@ -26,14 +26,14 @@ void CocoaLog::log(std::string_view line) {
 }
 
 void CocoaNotifications::postNotificationName(std::string_view name, std::string_view object, bool deliverImmediately) {
-    @try {
+    try {
         [[NSDistributedNotificationCenter defaultCenter] postNotificationName:toNSString(name)
                                                                        object:toNSString(object)
                                                                      userInfo:nil
                                                            deliverImmediately:deliverImmediately];
-    } @catch (NSException *exception) {
-        // GNUstep raises where it can't have the daemon that carries notifications.
-        NSLog(@"%@ could not be posted: %@", toNSString(name), [exception reason]);
+    } catch (...) {
+        // GNUstep raises where it can't have the daemon that carries notifications; g++ can't catch that by its class.
+        NSLog(@"%@ could not be posted", toNSString(name));
     }
 }
 
