@@ -20,15 +20,6 @@ long long nanoseconds(const struct timespec& time) {
     return static_cast<long long>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
 }
 
-bool isSame(const struct timespec& one, const struct timespec& other) {
-    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
-}
-
-bool isSame(const struct stat& one, const struct stat& other) {
-    return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
-           isSame(one.st_mtim, other.st_mtim) && isSame(one.st_ctim, other.st_ctim);
-}
-
 bool isSettledAt(const struct timespec& now, const struct stat& status) {
     const bool hasWholeSeconds = status.st_mtim.tv_nsec == 0 && status.st_ctim.tv_nsec == 0;
     const auto needed = hasWholeSeconds ? settlingTimeOfWholeSeconds : settlingTime;
@@ -47,7 +38,7 @@ CachedPropertyList::State CachedPropertyList::refresh() {
         const bool isMissing = errno == ENOENT || errno == ENOTDIR;
         isSettled_ = false;
         keep(isMissing ? State::missing : State::unreadable, {}, {});
-    } else if (!isSettled_ || !isSame(now, status_)) {
+    } else if (!isSettled_ || !posix::isUnchanged(status_, now)) {
         state_ = read();
     }
     return state_;

@@ -1,16 +1,22 @@
 #pragma once
 
+#include <cerrno>
+
 #include "platform/posix/SystemCalls.h"
 
 namespace vantrel::posix {
 
-/// An open file, closed at the end of its scope; or none, after an `open` that failed.
+/// An open file, closed at the end of its scope, where `errno` stays as it is; or none, after an `open` that failed.
 class Descriptor {
 public:
     Descriptor(SystemCalls& calls, int number) : calls_(calls), number_(number) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { close(); }
+    ~Descriptor() {
+        const int error = errno;
+        close();
+        errno = error;
+    }
 
     bool isOpen() const { return number_ >= 0; }
     int number() const { return number_; }

@@ -28,9 +28,9 @@ int writeAll(SystemCalls& calls, int descriptor, const char* bytes, std::size_t 
     return 0;
 }
 
-int openToRead(SystemCalls& calls, const std::string& path, struct stat& status) {
+int openToRead(SystemCalls& calls, const std::string& path, struct stat& status, int flags) {
     // Without O_NONBLOCK, opening a pipe waits for someone to write into it.
-    const int descriptor = calls.open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int descriptor = calls.open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | flags);
     if (descriptor < 0) return -1;
     int error = 0;
     if (calls.fstat(descriptor, &status) != 0) {
@@ -46,21 +46,31 @@ int openToRead(SystemCalls& calls, const std::string& path, struct stat& status)
     return -1;
 }
 
-std::optional<std::string> contentsOfFile(SystemCalls& calls, const std::string& path, std::size_t mostBytes) {
-    struct stat status {};
-    const Descriptor file(calls, openToRead(calls, path, status));
-    if (!file.isOpen()) return std::nullopt;
-
+std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, std::size_t mostBytes) {
     // Read to the end rather than for the length that was told: the files of the kernel tell none.
     std::string contents;
-    std::array<char, 4096> buffer{};
+    std::array<char, 16384> buffer;
     while (true) {
-        const ssize_t got = readOnce(calls, file.number(), buffer.data(), buffer.size());
+        const ssize_t got = readOnce(calls, descriptor, buffer.data(), buffer.size());
         if (got < 0) return std::nullopt;
         if (got == 0) return contents;
         contents.append(buffer.data(), static_cast<std::size_t>(got));
         if (contents.size() > mostBytes) return std::nullopt;
     }
+}
+
+std::optional<std::string> contentsOfFile(SystemCalls& calls, const std::string& path, std::size_t mostBytes) {
+    struct stat status {};
+    const Descriptor file(calls, openToRead(calls, path, status));
+    return file.isOpen() ? contentsOf(calls, file.number(), mostBytes) : std::nullopt;
+}
+
+bool isUnchanged(const struct stat& before, const struct stat& now) {
+    const auto isSame = [](const struct timespec& one, const struct timespec& other) {
+        return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+    };
+    return before.st_dev == now.st_dev && before.st_ino == now.st_ino && before.st_size == now.st_size &&
+           isSame(before.st_mtim, now.st_mtim) && isSame(before.st_ctim, now.st_ctim);
 }
 
 }  // namespace vantrel::posix

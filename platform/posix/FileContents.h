@@ -14,12 +14,19 @@ ssize_t readOnce(SystemCalls& calls, int descriptor, void* buffer, std::size_t s
 /// Writes all of it: 0, or -1 and `errno`.
 int writeAll(SystemCalls& calls, int descriptor, const char* bytes, std::size_t size);
 
-/// Opens a file to read it. -1 and `errno` on failure, with EISDIR for a folder and ENODEV for anything else that is
-/// not a file: a pipe, which could keep us waiting, or a device. `status` is told about the file.
-int openToRead(SystemCalls& calls, const std::string& path, struct stat& status);
+/// Opens a file to read it; `flags` as for `open`. -1 and `errno` on failure, with EISDIR for a folder and ENODEV for
+/// anything else that is not a file: a pipe, which could keep us waiting, or a device. `status` is told about the file.
+int openToRead(SystemCalls& calls, const std::string& path, struct stat& status, int flags = 0);
+
+/// What is left to read of an open file. Nothing when it can't be read or is longer than `mostBytes`.
+std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, std::size_t mostBytes);
 
 /// What is in the file at `path`. Nothing when it is missing, can't be read, isn't a file, or is longer than
 /// `mostBytes`.
 std::optional<std::string> contentsOfFile(SystemCalls& calls, const std::string& path, std::size_t mostBytes);
+
+/// Whether nothing has happened to a file between two looks at it, or at its place. The times that say so may be as
+/// old as the last tick of the clock.
+bool isUnchanged(const struct stat& before, const struct stat& now);
 
 }  // namespace vantrel::posix

@@ -6,6 +6,8 @@
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileContents.h"
+#include "platform/posix/Folders.h"
+#include "platform/posix/TemporaryFile.h"
 
 namespace vantrel::posix {
 
@@ -21,10 +23,6 @@ struct Trouble {
 
 std::string nameOf(const std::string& path) {
     return std::filesystem::path(path).filename().string();
-}
-
-std::string folderOf(const std::string& path) {
-    return std::filesystem::path(path).parent_path().string();
 }
 
 struct Reason {
@@ -91,7 +89,7 @@ Trouble troubleOfMove(SystemCalls& calls, int error, const std::string& from, co
 }
 
 /// Copies what is left to read of `source` into `copy`, and makes it lasting.
-std::optional<Trouble> fill(SystemCalls& calls, Descriptor& copy, const std::string& to, const Descriptor& source,
+std::optional<Trouble> fill(SystemCalls& calls, const Descriptor& copy, const std::string& to, const Descriptor& source,
                             const std::string& from, mode_t mode) {
     std::array<char, 65536> buffer{};
     while (true) {
@@ -101,8 +99,7 @@ std::optional<Trouble> fill(SystemCalls& calls, Descriptor& copy, const std::str
         const auto size = static_cast<std::size_t>(got);
         if (writeAll(calls, copy.number(), buffer.data(), size) != 0) return Trouble{errno, to};
     }
-    const bool lasting = calls.fchmod(copy.number(), mode) == 0 && calls.fsync(copy.number()) == 0 && copy.close() == 0;
-    if (!lasting) return Trouble{errno, to};
+    if (calls.fchmod(copy.number(), mode) != 0 || calls.fsync(copy.number()) != 0) return Trouble{errno, to};
     return std::nullopt;
 }
 
@@ -111,13 +108,11 @@ std::optional<Trouble> copyFile(SystemCalls& calls, const std::string& from, con
     const Descriptor source(calls, openToRead(calls, from, status));
     if (!source.isOpen()) return Trouble{errno, from};
 
-    std::string temporary = folderOf(to) + "/.Vantrel-XXXXXX";
-    Descriptor copy(calls, calls.mkostemp(temporary.data()));
-    if (!copy.isOpen()) return Trouble{errno, folderOf(to)};
+    TemporaryFile copy(calls);
+    if (copy.create(folderOf(to)) != 0) return Trouble{errno, folderOf(to)};
 
-    auto trouble = fill(calls, copy, to, source, from, status.st_mode & permissionBits);
-    if (!trouble && calls.renameNoReplace(temporary.c_str(), to.c_str()) != 0) trouble = Trouble{errno, to};
-    if (trouble) calls.unlink(temporary.c_str());
+    auto trouble = fill(calls, copy.file(), to, source, from, status.st_mode & permissionBits);
+    if (!trouble && copy.renameNoReplace(to) != 0) trouble = Trouble{errno, to};
     return trouble;
 }
 

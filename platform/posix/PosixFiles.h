@@ -24,9 +24,9 @@ public:
     /// that can rename without overwriting.
     FileFailure moveItemAtPath(const std::string& from, const std::string& to) override;
 
-    /// Copies one file. The copy is written and flushed to the disk under a hidden name (".Vantrel-" and six
-    /// characters) in its folder and then given its own: nobody sees a part of it. Only a process killed meanwhile
-    /// leaves that hidden file behind.
+    /// Copies one file. The copy is written and flushed to the disk as a `TemporaryFile` in its folder and then given
+    /// its own name: nobody sees a part of it. Only a process killed meanwhile leaves the hidden file behind, until the
+    /// next copy.
     ///
     /// A link is followed and what it leads to is copied, where macOS copies the link: a relative one would lead
     /// elsewhere from its new folder. The copy gets the nine permission bits, but neither set-user-ID nor

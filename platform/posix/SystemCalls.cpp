@@ -1,6 +1,7 @@
 #include "platform/posix/SystemCalls.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -74,6 +75,14 @@ int SystemCalls::mkdir(const char* path, mode_t mode) {
 
 int SystemCalls::rmdir(const char* path) {
     return ::rmdir(path);
+}
+
+int SystemCalls::flock(int descriptor, int operation) {
+    return ::flock(descriptor, operation);
+}
+
+int SystemCalls::scandir(const char* path, struct dirent*** names, int (*isWanted)(const struct dirent*)) {
+    return ::scandir(path, names, isWanted, nullptr);
 }
 
 int SystemCalls::nanosleep(const struct timespec& duration) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <dirent.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 
@@ -32,6 +33,10 @@ public:
     virtual int unlink(const char* path);
     virtual int mkdir(const char* path, mode_t mode);
     virtual int rmdir(const char* path);
+    /// Takes or frees a lock that dies with the open file.
+    virtual int flock(int descriptor, int operation);
+    /// Finds the names in a folder that `isWanted`, as many as are returned; they and their array are to be freed.
+    virtual int scandir(const char* path, struct dirent*** names, int (*isWanted)(const struct dirent*));
     virtual int nanosleep(const struct timespec& duration);
     virtual int clockGettime(clockid_t clock, struct timespec* time);
 

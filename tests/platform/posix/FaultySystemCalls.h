@@ -88,6 +88,12 @@ public:
     int rmdir(const char* path) override {
         return run("rmdir", [&] { return SystemCalls::rmdir(path); });
     }
+    int flock(int descriptor, int operation) override {
+        return run("flock", [&] { return SystemCalls::flock(descriptor, operation); });
+    }
+    int scandir(const char* path, struct dirent*** names, int (*isWanted)(const struct dirent*)) override {
+        return run("scandir", [&] { return SystemCalls::scandir(path, names, isWanted); });
+    }
     int nanosleep(const struct timespec& duration) override {
         return run("nanosleep", [&] { return SystemCalls::nanosleep(duration); });
     }

@@ -1,0 +1,104 @@
+#include "platform/posix/TemporaryFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+namespace vantrel::posix {
+namespace {
+
+constexpr std::string_view prefix = ".Vantrel-unfinished-";
+constexpr std::string_view randomEnd = "XXXXXX";
+/// How often a new file may be taken for left behind before it is locked.
+constexpr int mostTries = 5;
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+bool isLetterOrDigit(char character) {
+    return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'Z') ||
+           (character >= 'a' && character <= 'z');
+}
+
+int isTemporaryName(const struct dirent* entry) {
+    const std::string_view name = entry->d_name;
+    return name.size() == prefix.size() + randomEnd.size() && name.starts_with(prefix) &&
+           std::all_of(name.begin() + prefix.size(), name.end(), isLetterOrDigit);
+}
+
+std::string inside(const std::string& folder, std::string_view name) {
+    return (folder.empty() ? "." : folder) + '/' + std::string(name);
+}
+
+/// Whether the new file is ours for good: locked, and still there. Without locks on its file system nobody takes it for
+/// left behind.
+bool isKept(SystemCalls& calls, const Descriptor& file) {
+    struct stat status {};
+    if (calls.flock(file.number(), LOCK_EX | LOCK_NB) != 0) return errno != EWOULDBLOCK;
+    return calls.fstat(file.number(), &status) == 0 && status.st_nlink > 0;
+}
+
+void removeIfLeft(SystemCalls& calls, const std::string& path) {
+    const Descriptor file(calls, calls.open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (!file.isOpen() || calls.fstat(file.number(), &status) != 0) return;
+    if (!S_ISREG(status.st_mode) || status.st_uid != geteuid() || status.st_nlink != 1) return;
+    // A shared lock is enough to learn that its writer's is gone, and network file systems give it for reading.
+    if (calls.flock(file.number(), LOCK_SH | LOCK_NB) == 0) calls.unlink(path.c_str());
+}
+
+}  // namespace
+
+TemporaryFile::~TemporaryFile() {
+    const int error = errno;
+    if (!path_.empty()) calls_.unlink(path_.c_str());
+    errno = error;
+}
+
+int TemporaryFile::create(const std::string& folder) {
+    removeLeftovers(calls_, folder);
+    for (int tries = 0; tries < mostTries; ++tries) {
+        std::string path = inside(folder, prefix).append(randomEnd);
+        file_.emplace(calls_, calls_.mkostemp(path.data()));
+        if (!file_->isOpen()) return -1;
+        if (isKept(calls_, *file_)) {
+            path_ = std::move(path);
+            return 0;
+        }
+        calls_.unlink(path.c_str());
+    }
+    errno = EAGAIN;
+    return -1;
+}
+
+int TemporaryFile::rename(const std::string& path) {
+    if (calls_.rename(path_.c_str(), path.c_str()) != 0) return -1;
+    path_.clear();
+    return 0;
+}
+
+int TemporaryFile::renameNoReplace(const std::string& path) {
+    if (calls_.renameNoReplace(path_.c_str(), path.c_str()) != 0) return -1;
+    path_.clear();
+    return 0;
+}
+
+void removeLeftovers(SystemCalls& calls, const std::string& folder) {
+    struct dirent** names = nullptr;
+    const int count = calls.scandir(folder.empty() ? "." : folder.c_str(), &names, isTemporaryName);
+    if (count < 0) return;
+    const std::unique_ptr<struct dirent*, Free> array(names);
+    for (int index = 0; index < count; ++index) {
+        const std::unique_ptr<struct dirent, Free> name(names[index]);
+        removeIfLeft(calls, inside(folder, name->d_name));
+    }
+}
+
+}  // namespace vantrel::posix
