@@ -4,7 +4,7 @@ if(APPLE)
     set(system_libraries vantrel_apple)
 else()
     set(system GNUstep)
-    set(system_libraries vantrel_gnustep vantrel_linux KVRXMetadataDictionary)
+    set(system_libraries vantrel_gnustep vantrel_linux)
     # Compiled here, so that it can't rot; nothing links it.
     add_library(macos_services OBJECT SystemServicesApple.mm)
     target_link_libraries(macos_services PRIVATE vantrel_pane vantrel_cocoa_overrides vantrel_cocoa)
@@ -23,8 +23,19 @@ else()
     # The host loads many bundles into one process: nothing of ours may be seen outside but the class, which the
     # Objective-C runtime finds without a symbol.
     target_link_options(pane PRIVATE -Wl,--exclude-libs,ALL -Wl,--no-undefined)
-    set_target_properties(pane PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/Vantrel.prefPane)
-    set(bundle_resources ${PROJECT_BINARY_DIR}/Vantrel.prefPane/Resources)
+    # The bundle that is built carries the library KVRXMetadataDictionary, wherever it is copied. The one that is
+    # packaged finds the library's own package.
+    set(bundle ${PROJECT_BINARY_DIR}/Vantrel.prefPane)
+    set_target_properties(pane PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${bundle}
+                          INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH TRUE)
+    set(bundled_library ${bundle}/$<TARGET_SONAME_FILE_NAME:KVRXMetadataDictionary>)
+    add_custom_command(OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/library.stamp
+        COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:KVRXMetadataDictionary> ${bundled_library}
+        COMMAND ${CMAKE_COMMAND} -E touch ${CMAKE_CURRENT_BINARY_DIR}/library.stamp
+        DEPENDS KVRXMetadataDictionary VERBATIM)
+    add_custom_target(pane_library DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/library.stamp)
+    add_dependencies(pane pane_library)
+    set(bundle_resources ${bundle}/Resources)
     configure_file(Resources/Info-gnustep.plist.in ${bundle_resources}/Info-gnustep.plist @ONLY)
 endif()
 

@@ -1,5 +1,5 @@
 #include "Preference/Vantrel/SystemServices.h"
-#import "overrides/KVRXMetadataDictionary/MetadataDictionary.h"
+#import "overrides/InstalledMetadataDictionary.h"
 #import "overrides/MetadataDictionaryOverrides.h"
 #import "platform/cocoa/CocoaFolders.h"
 #import "platform/cocoa/CocoaSystem.h"
@@ -13,7 +13,7 @@ namespace vantrel {
 const Services& systemServices() {
     static cocoa::CocoaLog log;
     static gnustep::GNUstepPreferences preferences(cocoa::defaultsFolder(), log);
-    static MetadataDictionaryOverrides overrides([MetadataDictionary class]);
+    static MetadataDictionaryOverrides overrides(installedMetadataDictionary());
     static linux::SysfsProcessors processors;
     static posix::PosixFiles files;
     static gnustep::GNUstepPropertyLists propertyLists;

@@ -6,7 +6,6 @@
 /// it go; the record changes only through `writeToOverride:`. Not for use from several threads at once.
 @interface MetadataDictionary : NSObject {
    @private
-    void *_record;
     NSDictionary *_loaded;
     NSMutableDictionary *_metadata;
 }
@@ -26,9 +25,11 @@
 /// Stores `object` under `key`, replacing any entry.
 - (void)addObject:(id)object withKey:(NSString *)key;
 
-/// Replaces the whole record, durably. An entry that is still the very object that was loaded is written as it was
-/// read. Returns NO, with the record as it was, when that failed, when a value is none of a property list's, or when
-/// `record` isn't null, which alone has a meaning: the record that was loaded.
+/// Puts into the record, durably, what is other than it was when it was loaded or last written: entries that were
+/// added, replaced by others, or taken away. Everything else in the record stays as it is by now, letter for letter.
+/// Returns NO, with the record as it was, when it can't be read or written any more or would grow too large, when a
+/// value is none of a property list's, or when `record` isn't null, which alone has a meaning: the record that was
+/// loaded.
 - (BOOL)writeToOverride:(void *)record;
 
 @end

@@ -2,12 +2,19 @@
 
 #include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
 #import "platform/cocoa/CocoaFolders.h"
+#import "platform/cocoa/CocoaSystem.h"
 #import "platform/cocoa/CocoaText.h"
 
 using vantrel::OverrideRecord;
 using vantrel::gnustep::PropertyList;
 
 namespace {
+
+OverrideRecord &record() {
+    static vantrel::cocoa::CocoaLog log;
+    static OverrideRecord record(vantrel::cocoa::applicationSupportFolder(), log);
+    return record;
+}
 
 /// The entries as Foundation's objects. Containers can't be changed in place: an entry changes by being replaced.
 NSDictionary *toDictionary(const PropertyList &list) {
@@ -18,21 +25,27 @@ NSDictionary *toDictionary(const PropertyList &list) {
                                             errorDescription:nullptr];
 }
 
-/// Whether `object` can stand in a property list. Foundation should tell, but GNUstep's takes any object and writes
-/// its description.
+bool isText(id object) {
+    return [object isKindOfClass:[NSString class]];
+}
+
+bool areAll(NSArray *objects, bool (*isFit)(id)) {
+    NSEnumerator *enumerator = [objects objectEnumerator];
+    while (id object = [enumerator nextObject]) {
+        if (!isFit(object)) return false;
+    }
+    return true;
+}
+
+/// Whether `object` can stand in a property list. Foundation should tell, but GNUstep's writes the description of an
+/// object that can't, and raises an exception over a key that can't.
 bool isPropertyListValue(id object) {
-    if ([object isKindOfClass:[NSArray class]]) {
-        NSEnumerator *items = [object objectEnumerator];
-        while (id item = [items nextObject]) {
-            if (!isPropertyListValue(item)) return false;
-        }
-        return true;
-    }
+    if ([object isKindOfClass:[NSArray class]]) return areAll(object, isPropertyListValue);
     if ([object isKindOfClass:[NSDictionary class]]) {
-        return isPropertyListValue([object allKeys]) && isPropertyListValue([object allValues]);
+        return areAll([object allKeys], isText) && areAll([object allValues], isPropertyListValue);
     }
-    return [object isKindOfClass:[NSString class]] || [object isKindOfClass:[NSNumber class]] ||
-           [object isKindOfClass:[NSData class]] || [object isKindOfClass:[NSDate class]];
+    return isText(object) || [object isKindOfClass:[NSNumber class]] || [object isKindOfClass:[NSData class]] ||
+           [object isKindOfClass:[NSDate class]];
 }
 
 /// Nothing when a value is none of a property list's.
@@ -50,19 +63,17 @@ std::optional<PropertyList> toPropertyList(NSDictionary *dictionary) {
 
 - (id)initFromOverride {
     if (!(self = [super init])) return nil;
-    auto record = OverrideRecord::load(vantrel::cocoa::applicationSupportFolder());
-    if (!record) {
+    const auto entries = record().read();
+    if (!entries) {
         [self release];
         return nil;
     }
-    _record = new OverrideRecord(std::move(*record));
-    _loaded = [toDictionary(static_cast<OverrideRecord *>(_record)->entries()) retain];
+    _loaded = [toDictionary(*entries) retain];
     _metadata = [_loaded mutableCopy];
     return self;
 }
 
 - (void)dealloc {
-    delete static_cast<OverrideRecord *>(_record);
     [_loaded release];
     [_metadata release];
     [super dealloc];
@@ -82,23 +93,26 @@ std::optional<PropertyList> toPropertyList(NSDictionary *dictionary) {
     [_metadata setObject:object forKey:key];
 }
 
-/// Foundation's own way there and back would cost other programs' values digits, so only what was replaced takes it.
-- (BOOL)writeToOverride:(void *)record {
-    if (record) return NO;
-    PropertyList &entries = static_cast<OverrideRecord *>(_record)->entries();
-    NSMutableDictionary *replaced = [NSMutableDictionary dictionary];
-    NSEnumerator *keys = [_metadata keyEnumerator];
-    while (NSString *key = [keys nextObject]) {
+- (BOOL)writeToOverride:(void *)argument {
+    if (argument) return NO;
+
+    // An entry that is still the very object that was loaded isn't looked at: Foundation may not be able to write it.
+    NSMutableDictionary *before = [NSMutableDictionary dictionary];
+    NSMutableDictionary *after = [NSMutableDictionary dictionary];
+    NSEnumerator *keys = [[[_loaded allKeys] arrayByAddingObjectsFromArray:[_metadata allKeys]] objectEnumerator];
+    while (id key = [keys nextObject]) {
+        id loaded = [_loaded objectForKey:key];
         id object = [_metadata objectForKey:key];
-        if (object != [_loaded objectForKey:key]) [replaced setObject:object forKey:key];
+        if (loaded == object) continue;
+        if (loaded) [before setObject:loaded forKey:key];
+        if (object) [after setObject:object forKey:key];
     }
-    const auto changes = toPropertyList(replaced);
-    if (!changes) return NO;
-    for (const auto &key : entries.keys()) {
-        if (![_metadata objectForKey:vantrel::cocoa::toNSString(key)]) entries.remove(key);
-    }
-    for (const auto &key : changes->keys()) entries.copyEntry(key, *changes);
-    return static_cast<OverrideRecord *>(_record)->write();
+    const auto from = toPropertyList(before);
+    const auto to = toPropertyList(after);
+    if (!from || !to || !record().change(*from, *to)) return NO;
+    [_loaded release];
+    _loaded = [_metadata copy];
+    return YES;
 }
 
 @end

@@ -1,36 +1,53 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
+#include "platform/Log.h"
 #include "platform/gnustep/PropertyList.h"
+#include "platform/posix/Descriptor.h"
 #include "platform/posix/SystemCalls.h"
 
 namespace vantrel {
 
+/// Bytes. Thirty thousand numbers fit; what a hostile record can cost the programs that load it stays small.
+inline constexpr std::size_t largestRecord = std::size_t{1024} * 1024;
+
 /// The codec's override record: a property list, "Vantrel/OverrideMetadata.plist" in the user's application support
-/// folder, with numbers under four-character keys. What other programs keep in it, under other keys or of other types,
-/// is carried through every write unchanged.
+/// folder, with numbers under four-character keys. Several programs read and change it at any time.
+///
+/// It can't be read when it is damaged or longer than `largestRecord`, or when a symbolic link stands in its place or
+/// in that of its folder: no link leads a write elsewhere.
 class OverrideRecord {
 public:
-    /// Nothing when there is a record that can't be read or is no dictionary; it is then never overwritten. Empty when
-    /// there is none yet.
-    static std::optional<OverrideRecord> load(const std::string& applicationSupportFolder,
-                                              posix::SystemCalls& calls = posix::SystemCalls::real());
+    OverrideRecord(const std::string& applicationSupportFolder, Log& log,
+                   posix::SystemCalls& calls = posix::SystemCalls::real());
 
-    /// What was loaded, and changes to it, which last from `write` on.
-    gnustep::PropertyList& entries() { return entries_; }
+    /// What the record holds; empty when there is none or its file is. Nothing when it can't be read.
+    std::optional<gnustep::PropertyList> read();
 
-    /// Replaces the record on disk, whole and durably, mode 0600, making its folders where they are missing. Returns
-    /// false when that failed; the record on disk is then what it was.
-    bool write();
+    /// Changes in the record what differs between `before` and `after`, which have what a program loaded and what it
+    /// wants; every other entry stays as it is by now, letter for letter. Others who do the same meanwhile lose
+    /// nothing; of two who change one entry, the last one wins. The record is replaced whole and durably, mode 0600,
+    /// its folders are made where they are missing.
+    ///
+    /// Waits two seconds for the others at most, then goes on and says so in the log. False when the record can't be
+    /// read or written, or couldn't be read afterwards; it is then as it was, or, when only the last step to the disk
+    /// failed, already changed.
+    [[nodiscard]] bool change(const gnustep::PropertyList& before, const gnustep::PropertyList& after);
 
 private:
-    OverrideRecord(std::string path, posix::SystemCalls& calls) : path_(std::move(path)), calls_(calls) {}
+    int openFolder();
+    int openRecord(struct stat& status);
+    std::optional<gnustep::PropertyList> listIn(const posix::Descriptor& record);
+    bool isStill(const posix::Descriptor& record, const struct stat& status);
+    void lock(const posix::Descriptor& folder);
 
+    std::string folder_;
     std::string path_;
+    Log& log_;
     posix::SystemCalls& calls_;
-    gnustep::PropertyList entries_;
 };
 
 }  // namespace vantrel

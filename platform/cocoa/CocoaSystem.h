@@ -6,6 +6,7 @@
 #include "platform/Bundle.h"
 #include "platform/Log.h"
 #include "platform/Notifications.h"
+#import "platform/cocoa/CocoaText.h"
 
 namespace vantrel::cocoa {
 
@@ -16,7 +17,7 @@ class CocoaAlerts : public Alerts {
 
 class CocoaLog : public Log {
    public:
-    void log(std::string_view line) override;
+    void log(std::string_view line) override { NSLog(@"%@", toNSString(line)); }
 };
 
 class CocoaNotifications : public Notifications {

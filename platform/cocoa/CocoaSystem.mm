@@ -2,8 +2,6 @@
 
 #import <AppKit/AppKit.h>
 
-#import "platform/cocoa/CocoaText.h"
-
 namespace vantrel::cocoa {
 
 void CocoaAlerts::runModal(const Alert &alert) {
@@ -19,10 +17,6 @@ void CocoaAlerts::runModal(const Alert &alert) {
     }
     [panel runModal];
     [panel release];
-}
-
-void CocoaLog::log(std::string_view line) {
-    NSLog(@"%@", toNSString(line));
 }
 
 void CocoaNotifications::postNotificationName(std::string_view name, std::string_view object, bool deliverImmediately) {

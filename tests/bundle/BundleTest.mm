@@ -697,12 +697,7 @@ TEST_F(Bundle, ANotificationDaemonThatCantBeHadCostsNoException) {
 }  // namespace vantrel::host
 
 int main(int argc, char **argv) {
-    testing::InitGoogleTest(&argc, argv);
     // Its Final Cut Pro is none of the machine's.
     vantrel::PrivateMachine::enter();
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
-    [NSApplication sharedApplication];
-    const int result = RUN_ALL_TESTS();
-    [pool release];
-    return result;
+    return vantrel::host::runTests(argc, argv);
 }

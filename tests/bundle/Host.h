@@ -19,6 +19,9 @@
 
 namespace vantrel::host {
 
+/// Runs the program's tests as a host with a display.
+int runTests(int argc, char **argv);
+
 /// The folder in which this program's preferences and override record live; emptied before each test.
 std::string home();
 

@@ -29,6 +29,15 @@ std::map<std::string, std::string> described(NSDictionary *dictionary) {
 
 }  // namespace
 
+int runTests(int argc, char **argv) {
+    testing::InitGoogleTest(&argc, argv);
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    [NSApplication sharedApplication];
+    const int result = RUN_ALL_TESTS();
+    [pool release];
+    return result;
+}
+
 std::string home() {
     return HOME_PATH;
 }

@@ -1,177 +1,101 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include "overrides/OverrideRecord.h"
-#include "tests/platform/posix/FaultySystemCalls.h"
+#include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
+#include "platform/memory/MemorySystem.h"
+#include "tests/platform/posix/Processes.h"
+#include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
 namespace vantrel {
 namespace {
 
-using posix::FaultySystemCalls;
+using gnustep::PropertyList;
 using posix::TemporaryFolder;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Optional;
 
-constexpr const char* recordName = "Vantrel/OverrideMetadata.plist";
+const std::string recordName = "Vantrel/OverrideMetadata.plist";
 
 std::string listOf(const std::string& entries) {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>" + entries +
            "</dict>\n</plist>\n";
 }
 
-/// A user's application support folder, and the record class on it.
-class OverrideRecordOnDisk : public testing::Test {
-protected:
+/// One number under each key; a list without is one to remove them with.
+PropertyList numbers(const std::map<std::string, int>& entries) {
+    PropertyList list;
+    for (const auto& [key, number] : entries) list.setInteger(key, number);
+    return list;
+}
+
+/// A user's application support folder with the record in it, on which nobody waits.
+struct OverrideRecordTest : testing::Test {
     void writeRecord(const std::string& contents) {
         folder.makeFolder("Vantrel");
         folder.write(recordName, contents);
     }
 
-    std::string record() const { return folder.read(recordName); }
+    std::string file() const { return folder.read(recordName); }
 
-    std::optional<std::int32_t> stored(const char* key) {
-        const auto list = gnustep::PropertyList::parse(record());
-        return list ? list->intValue(key) : std::nullopt;
+    /// The record's file and what else is in its folder.
+    std::set<std::string> names() const {
+        std::set<std::string> found;
+        for (const auto& entry : std::filesystem::directory_iterator(folder / "Vantrel")) {
+            found.insert(entry.path().filename());
+        }
+        return found;
     }
 
-    /// One write through `addObjectWithKey`. False when there was no instance or the write failed.
-    bool add(std::int32_t value, const char* key) {
-        const auto overrides = overridesClass.initFromOverride();
-        if (!overrides) return false;
-        overrides->addObjectWithKey(value, key);
-        return overrides->writeToOverride();
+    std::map<std::string, int> stored() {
+        std::map<std::string, int> found;
+        const auto list = PropertyList::parse(file());
+        if (!list) throw std::runtime_error("the record can't be parsed");
+        for (const auto& key : list->keys()) found[key] = static_cast<int>(list->integer(key).value_or(-1));
+        return found;
     }
 
-    /// One write through the metadata.
-    bool edit(std::int32_t value, const char* key) {
-        const auto overrides = overridesClass.initFromOverride();
-        if (!overrides) return false;
-        auto metadata = overrides->metadata();
-        metadata->setObjectForKey(value, key);
-        overrides->setMetadata(std::move(metadata));
-        return overrides->writeToOverride();
-    }
+    bool set(const std::map<std::string, int>& entries) { return record.change({}, numbers(entries)); }
 
     TemporaryFolder folder;
-    FaultySystemCalls calls;
-    OverrideRecordClass overridesClass{folder.path, calls};
+    posix::SystemCallsWithOwnClock calls;
+    memory::Journal journal;
+    memory::MemoryLog log{journal};
+    OverrideRecord record{folder.path, log, calls};
 };
 
-TEST_F(OverrideRecordOnDisk, WithoutARecordThereIsAnInstanceWithEmptyMetadata) {
-    const auto overrides = overridesClass.initFromOverride();
-    ASSERT_TRUE(overrides);
-    EXPECT_EQ(overrides->metadata()->objectForKey("CLSF"), std::nullopt);
-    EXPECT_EQ(overrides->metadata()->objectForKey("CPUM"), std::nullopt);
-}
+using Numbers = std::map<std::string, int>;
 
-TEST_F(OverrideRecordOnDisk, LoadingMakesNoFile) {
-    overridesClass.initFromOverride();
-    EXPECT_TRUE(folder.names().empty());
-}
+// Reading
 
-TEST_F(OverrideRecordOnDisk, TheFirstWriteMakesTheRecordForItsUserAlone) {
-    EXPECT_TRUE(add(3, "CPUM"));
-    EXPECT_EQ(stored("CPUM"), 3);
-    struct stat status;
-    ASSERT_EQ(::stat((folder / recordName).c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0600U);
-}
-
-TEST_F(OverrideRecordOnDisk, TheFoldersAboveItAreMadeWhenTheyAreMissing) {
-    OverrideRecordClass elsewhere{folder / "Library/ApplicationSupport", calls};
-    const auto overrides = elsewhere.initFromOverride();
-    ASSERT_TRUE(overrides);
-    overrides->addObjectWithKey(1, "CLSF");
-    EXPECT_TRUE(overrides->writeToOverride());
-    EXPECT_THAT(folder.read("Library/ApplicationSupport/Vantrel/OverrideMetadata.plist"), HasSubstr("CLSF"));
-}
-
-TEST_F(OverrideRecordOnDisk, BothWaysOfWritingStoreTheSame) {
-    EXPECT_TRUE(add(7, "CPUM"));
-    const auto added = record();
-    EXPECT_TRUE(edit(7, "CPUM"));
-    EXPECT_EQ(record(), added);
-}
-
-TEST_F(OverrideRecordOnDisk, AnInstanceThatIsDroppedUnwrittenLeavesTheRecordAlone) {
-    writeRecord(listOf("<key>CPUM</key><integer>2</integer>"));
-    const auto before = record();
-    overridesClass.initFromOverride()->addObjectWithKey(5, "CPUM");
-    EXPECT_EQ(record(), before);
-}
-
-TEST_F(OverrideRecordOnDisk, MetadataThatIsNotHandedBackIsNotWritten) {
-    writeRecord(listOf("<key>CPUM</key><integer>2</integer>"));
-    const auto overrides = overridesClass.initFromOverride();
-    overrides->metadata()->setObjectForKey(5, "CPUM");
-    EXPECT_TRUE(overrides->writeToOverride());
-    EXPECT_EQ(stored("CPUM"), 2);
-}
-
-TEST_F(OverrideRecordOnDisk, EntriesOfEveryTypeUnderOtherKeysSurviveAnyNumberOfWrites) {
-    const std::string others =
-        "<key>array</key><array><integer>1</integer><string>two</string></array>"
-        "<key>data</key><data>AAEC</data>"
-        "<key>date</key><date>2100-11-21T00:00:00Z</date>"
-        "<key>dictionary</key><dict><key>CLSF</key><integer>9</integer></dict>"
-        "<key>false</key><false/>"
-        "<key>real</key><real>0.10000000000000001</real>"
-        "<key>text</key><string>&lt;&amp;&#13; \xE6\xBC\xA2</string>"
-        "<key>unsigned</key><integer>18446744073709551615</integer>";
-    writeRecord(listOf(others + "<key>CLSF</key><integer>0</integer>"));
-    const auto before = gnustep::PropertyList::parse(record());
-    for (std::int32_t round = 0; round < 3; ++round) {
-        EXPECT_TRUE(edit(round % 2, "CLSF"));
-        EXPECT_TRUE(add(round, "CPUM"));
-    }
-    const auto after = gnustep::PropertyList::parse(record());
-    ASSERT_TRUE(before && after);
-    for (const auto& key : before->keys()) {
-        if (key == "CLSF") continue;
-        EXPECT_TRUE(after->hasSameEntry(key, *before)) << key;
-    }
-    EXPECT_EQ(after->intValue("CLSF"), 0);
-    EXPECT_EQ(after->intValue("CPUM"), 2);
-}
-
-TEST_F(OverrideRecordOnDisk, AnEntryThatIsNoNumberIsNoneAndIsReplacedByAWrite) {
-    writeRecord(listOf("<key>CPUM</key><array/>"));
-    EXPECT_EQ(overridesClass.initFromOverride()->metadata()->objectForKey("CPUM"), std::nullopt);
-    EXPECT_TRUE(add(4, "CPUM"));
-    EXPECT_EQ(stored("CPUM"), 4);
-}
-
-TEST_F(OverrideRecordOnDisk, NumbersAreSigned32Bit) {
-    EXPECT_TRUE(add(-2147483647 - 1, "CPUM"));
-    EXPECT_EQ(overridesClass.initFromOverride()->metadata()->objectForKey("CPUM"), -2147483647 - 1);
-    EXPECT_TRUE(edit(2147483647, "CLSF"));
-    EXPECT_EQ(overridesClass.initFromOverride()->metadata()->objectForKey("CLSF"), 2147483647);
-}
-
-TEST_F(OverrideRecordOnDisk, AnotherProcessLosesNothingButTheKeyThatIsWritten) {
-    EXPECT_TRUE(add(1, "CPUM"));
-    const pid_t other = fork();
-    if (other == 0) _exit(edit(1, "CLSF") && add(9, "CPUM") && add(77, "ELSE") ? 0 : 1);
-    int status = 0;
-    ASSERT_EQ(waitpid(other, &status, 0), other);
-    ASSERT_EQ(status, 0);
-
-    EXPECT_TRUE(add(2, "CPUM"));
-    EXPECT_EQ(stored("CLSF"), 1);
-    EXPECT_EQ(stored("ELSE"), 77);
-    EXPECT_EQ(stored("CPUM"), 2);
-}
-
-TEST_F(OverrideRecordOnDisk, ARecordBehindALinkIsReplacedWhereItIs) {
+TEST_F(OverrideRecordTest, WithoutAFileOrAFolderItIsEmptyAndNothingIsMade) {
+    ASSERT_TRUE(record.read());
+    EXPECT_THAT(record.read()->keys(), IsEmpty());
+    EXPECT_THAT(folder.names(), IsEmpty());
     folder.makeFolder("Vantrel");
-    folder.write("elsewhere.plist", listOf(""));
-    std::filesystem::create_symlink("../elsewhere.plist", folder / recordName);
-    EXPECT_TRUE(add(1, "CLSF"));
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / recordName));
-    EXPECT_THAT(folder.read("elsewhere.plist"), HasSubstr("CLSF"));
+    ASSERT_TRUE(record.read());
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(OverrideRecordTest, AnEmptyFileIsNoRecordAndIsReplaced) {
+    writeRecord("");
+    ASSERT_TRUE(record.read());
+    EXPECT_THAT(record.read()->keys(), IsEmpty());
+    EXPECT_TRUE(set({{"CPUM", 3}}));
+    EXPECT_EQ(stored(), (Numbers{{"CPUM", 3}}));
+}
+
+TEST_F(OverrideRecordTest, HasWhatItsFileHasNow) {
+    writeRecord(listOf("<key>CPUM</key><integer>2</integer>"));
+    EXPECT_EQ(record.read()->integer("CPUM"), 2);
+    writeRecord(listOf("<key>CPUM</key><integer>5</integer>"));
+    EXPECT_EQ(record.read()->integer("CPUM"), 5);
 }
 
 struct Unusable {
@@ -181,61 +105,451 @@ struct Unusable {
     friend void PrintTo(const Unusable& record, std::ostream* out) { *out << record.name; }
 };
 
-class UnusableRecord : public OverrideRecordOnDisk, public testing::WithParamInterface<Unusable> {};
+/// A sound binary list whose one text stands in it once and is meant twenty thousand times.
+std::string listThatGrowsWhenItIsRead() {
+    constexpr std::size_t copies = 20'000;
+    const auto twoBytes = [](std::size_t number) {
+        return std::string{static_cast<char>(number >> 8U), static_cast<char>(number & 0xFFU)};
+    };
+    std::string bytes = "bplist00";
+    std::string offsets;
+    const auto begin = [&] { offsets += twoBytes(bytes.size()); };
+    begin();
+    bytes += std::string("\xD1") + twoBytes(1) + twoBytes(2);
+    begin();
+    bytes += "\x54LOOK";
+    begin();
+    bytes += "\xAF\x11" + twoBytes(copies);
+    for (std::size_t copy = 0; copy < copies; ++copy) bytes += twoBytes(3);
+    begin();
+    bytes += "\x5F\x10\x40" + std::string(64, 'x');
+    const auto table = bytes.size();
+    const auto eightBytes = [](std::size_t number) {
+        std::string text;
+        for (unsigned shift = 64; shift > 0; shift -= 8) text += static_cast<char>((number >> (shift - 8)) & 0xFFU);
+        return text;
+    };
+    return bytes + offsets + std::string(6, '\0') + "\x02\x02" + eightBytes(4) + eightBytes(0) + eightBytes(table);
+}
 
-TEST_P(UnusableRecord, GivesNothingAndIsNeverOverwritten) {
+class UnusableRecord : public OverrideRecordTest, public testing::WithParamInterface<Unusable> {};
+
+TEST_P(UnusableRecord, CantBeReadAndIsNeverOverwritten) {
     writeRecord(GetParam().contents);
-    EXPECT_EQ(overridesClass.initFromOverride(), nullptr);
-    EXPECT_FALSE(add(1, "CLSF"));
-    EXPECT_FALSE(edit(1, "CLSF"));
-    EXPECT_EQ(record(), GetParam().contents);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "Vantrel"), {}), 1);
+    EXPECT_FALSE(record.read());
+    EXPECT_FALSE(set({{"CLSF", 1}}));
+    EXPECT_EQ(file(), GetParam().contents);
+    EXPECT_THAT(names(), ElementsAre("OverrideMetadata.plist"));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Each, UnusableRecord,
-    testing::Values(Unusable{"Empty", ""}, Unusable{"Garbage", "not a list"},
+    testing::Values(Unusable{"Garbage", "not a list"}, Unusable{"Blank", " "},
                     Unusable{"CutShort", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>CLSF</key>"},
                     Unusable{"AnArrayAtTheTop", "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>"},
-                    Unusable{"CutShortBinary", "bplist00"}),
+                    Unusable{"CutShortBinary", "bplist00"},
+                    Unusable{"TooLong",
+                             listOf("<key>CLSF</key><integer>1</integer>" + std::string(largestRecord, ' '))},
+                    Unusable{"TooLongOnceItIsRead", listThatGrowsWhenItIsRead()}),
     [](const auto& test) { return std::string(test.param.name); });
 
-TEST_F(OverrideRecordOnDisk, ARecordThatCantBeOpenedGivesNothing) {
+TEST_F(OverrideRecordTest, CantBeReadWhereACallSaysSo) {
     writeRecord(listOf(""));
-    calls.failEvery("open", EACCES);
-    EXPECT_EQ(overridesClass.initFromOverride(), nullptr);
+    for (const char* call : {"open", "fstat", "read"}) {
+        calls.failEvery(call, EACCES);
+        EXPECT_FALSE(record.read()) << call;
+        calls.failEvery(call, 0);
+    }
+    calls.failNth("open", 2, EIO);
+    EXPECT_FALSE(record.read());
 }
 
-TEST_F(OverrideRecordOnDisk, ARecordThatCantBeLookedForGivesNothing) {
-    writeRecord(listOf(""));
-    calls.failEvery("open", EACCES);
-    calls.failEvery("lstat", EACCES);
-    calls.failEvery("stat", EACCES);
-    EXPECT_EQ(overridesClass.initFromOverride(), nullptr);
+TEST_F(OverrideRecordTest, AFileThatIsWholeAQuarterOfASecondLaterIsRead) {
+    const auto whole = listOf("<key>CPUM</key><integer>2</integer>");
+    writeRecord(whole.substr(0, 60));
+    calls.before = [&](const std::string& name) {
+        if (name == "nanosleep") writeRecord(whole);
+    };
+    ASSERT_TRUE(record.read());
+    EXPECT_EQ(record.read()->integer("CPUM"), 2);
 }
 
-TEST_F(OverrideRecordOnDisk, WhateverCallFailsTheOldRecordOrTheNewOneIsWholeAndNothingElseIsLeft) {
+TEST_F(OverrideRecordTest, NobodyWaitsForAFileThatCantBeOpened) {
+    writeRecord(listOf(""));
+    calls.failNth("open", 2, EACCES);
+    EXPECT_FALSE(record.read());
+    EXPECT_EQ(calls.count("nanosleep"), 0);
+}
+
+// Changing
+
+TEST_F(OverrideRecordTest, TheFirstChangeMakesFileAndFoldersForTheirUserAlone) {
+    OverrideRecord deep(folder / "Library/ApplicationSupport", log, calls);
+    EXPECT_TRUE(deep.change({}, numbers({{"CPUM", 3}})));
+    struct stat status {};
+    ASSERT_EQ(stat((folder / ("Library/ApplicationSupport/" + recordName)).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
+    ASSERT_EQ(stat((folder / "Library/ApplicationSupport/Vantrel").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode, S_IFDIR | 0700U);
+    EXPECT_EQ(deep.read()->integer("CPUM"), 3);
+}
+
+TEST_F(OverrideRecordTest, WhatIsNewIsAddedWhatIsOtherReplacedAndWhatIsGoneTakenAway) {
+    writeRecord(
+        listOf("<key>GONE</key><integer>1</integer><key>KEPT</key><integer>2</integer>"
+               "<key>OTHER</key><integer>3</integer>"));
+    EXPECT_TRUE(record.change(numbers({{"GONE", 1}, {"KEPT", 2}, {"OTHER", 3}}),
+                              numbers({{"KEPT", 2}, {"OTHER", 4}, {"NEW", 5}})));
+    EXPECT_EQ(stored(), (Numbers{{"KEPT", 2}, {"OTHER", 4}, {"NEW", 5}}));
+}
+
+TEST_F(OverrideRecordTest, WhatOthersChangedSinceTheLoadStays) {
+    writeRecord(
+        listOf("<key>MINE</key><integer>1</integer><key>THEIRS</key><integer>1</integer>"
+               "<key>TAKEN</key><integer>1</integer>"));
+    const auto loaded = *record.read();
+    ASSERT_TRUE(record.change(loaded, numbers({{"MINE", 1}, {"THEIRS", 2}, {"ADDED", 2}})));
+
+    ASSERT_TRUE(record.change(loaded, numbers({{"MINE", 3}, {"THEIRS", 1}, {"TAKEN", 1}})));
+    EXPECT_EQ(stored(), (Numbers{{"MINE", 3}, {"THEIRS", 2}, {"ADDED", 2}}));
+}
+
+TEST_F(OverrideRecordTest, OfTwoWhoChangeOneEntryTheLastOneWins) {
     writeRecord(listOf("<key>CPUM</key><integer>1</integer>"));
-    const auto old = record();
-    ASSERT_TRUE(add(2, "CPUM"));
-    const auto updated = record();
+    const auto loaded = *record.read();
+    EXPECT_TRUE(record.change(loaded, numbers({{"CPUM", 2}})));
+    EXPECT_TRUE(record.change(loaded, numbers({{"CPUM", 3}})));
+    EXPECT_EQ(stored(), (Numbers{{"CPUM", 3}}));
+    EXPECT_TRUE(record.change(loaded, {}));
+    EXPECT_EQ(stored(), Numbers());
+}
+
+TEST_F(OverrideRecordTest, AnEntryOfAnotherTypeIsAnotherEntry) {
+    writeRecord(listOf("<key>CLSF</key><true/>"));
+    EXPECT_TRUE(record.change(*record.read(), numbers({{"CLSF", 1}})));
+    EXPECT_THAT(file(), HasSubstr("<integer>1</integer>"));
+}
+
+TEST_F(OverrideRecordTest, EveryOtherEntryStaysLetterForLetter) {
+    const std::vector<std::string> others{
+        "<array><integer>1</integer><string>two</string></array>",
+        "<data>\n\tAAEC\n\t</data>",
+        "<date>2100-11-21T00:00:00Z</date>",
+        "<date>the day after tomorrow</date>",
+        "<dict><key>CLSF</key><integer>9</integer></dict>",
+        "<false/>",
+        "<real>0.10000000000000001</real>",
+        "<integer>0x0010</integer>",
+        "<integer>18446744073709551615</integer>",
+        "<string>&lt;&amp;&#13;<!-- &#65; --> \xE6\xBC\xA2<![CDATA[ ]]></string>",
+    };
+    std::string entries;
+    for (std::size_t index = 0; index < others.size(); ++index) {
+        entries += "<key>other" + std::to_string(index) + "</key>" + others[index];
+    }
+    writeRecord(listOf(entries));
+    for (int round = 0; round < 3; ++round) EXPECT_TRUE(set({{"CLSF", round}}));
+    for (const auto& other : others) EXPECT_THAT(file(), HasSubstr(other));
+}
+
+TEST_F(OverrideRecordTest, ARecordThatBecomesUnreadableAfterItWasLoadedIsNotOverwritten) {
+    writeRecord(listOf("<key>CPUM</key><integer>1</integer>"));
+    const auto loaded = *record.read();
+    writeRecord("an editor's first draft");
+    EXPECT_FALSE(record.change(loaded, numbers({{"CPUM", 2}})));
+    EXPECT_EQ(file(), "an editor's first draft");
+}
+
+TEST_F(OverrideRecordTest, NoChangeMakesItLongerThanCanBeRead) {
+    PropertyList half;
+    half.setString("HALF", std::string(largestRecord / 2, 'x'));
+    PropertyList other;
+    other.setString("OTHER", std::string(largestRecord / 2, 'x'));
+    ASSERT_TRUE(record.change({}, half));
+    const auto before = file();
+    EXPECT_FALSE(record.change({}, other));
+    EXPECT_EQ(file(), before);
+    EXPECT_TRUE(record.read());
+}
+
+TEST_F(OverrideRecordTest, WhereNothingCanBeWrittenTheRecordStaysAndTheChangeFails) {
+    writeRecord(listOf("<key>CPUM</key><integer>1</integer>"));
+    calls.failEvery("mkostemp", EROFS);
+    EXPECT_FALSE(set({{"CPUM", 2}}));
+    EXPECT_EQ(stored(), (Numbers{{"CPUM", 1}}));
+}
+
+TEST_F(OverrideRecordTest, AChangeIsOnTheDiskBeforeItsNameAndTheNameBeforeTheEnd) {
+    writeRecord(listOf(""));
+    ASSERT_TRUE(set({{"CPUM", 1}}));
+    std::vector<std::string> order;
+    for (const auto& name : calls.made()) {
+        if (name == "write" || name == "fsync" || name == "rename") order.push_back(name);
+    }
+    EXPECT_THAT(order, ElementsAre("write", "fsync", "rename", "fsync"));
+}
+
+// Several programs at once
+
+/// Processes that each add numbers under keys of their own, all at the same time. Returns how many there are in the
+/// end.
+std::size_t numbersOf(const TemporaryFolder& folder, int processes, int numbersOfEach) {
+    std::vector<pid_t> started;
+    for (int process = 0; process < processes; ++process) {
+        started.push_back(posix::startProcess([&] {
+            memory::Journal journal;
+            memory::MemoryLog log(journal);
+            OverrideRecord record(folder.path, log);
+            for (int number = 0; number < numbersOfEach; ++number) {
+                const auto loaded = record.read();
+                if (!loaded) return false;
+                PropertyList wanted = *loaded;
+                wanted.setInteger(std::to_string(process) + " " + std::to_string(number), number);
+                if (!record.change(*loaded, wanted)) return false;
+            }
+            return journal.lines().empty();
+        }));
+    }
+    for (const pid_t process : started) EXPECT_EQ(posix::endOf(process), 0);
+    const auto list = PropertyList::parse(folder.read(recordName));
+    return list ? list->keys().size() : 0;
+}
+
+TEST_F(OverrideRecordTest, TwoProcessesThatEachStoreThreeHundredNumbersLoseNone) {
+    EXPECT_EQ(numbersOf(folder, 2, 300), 600U);
+    EXPECT_THAT(names(), ElementsAre("OverrideMetadata.plist"));
+}
+
+TEST_F(OverrideRecordTest, ThreeProcessesLoseNoneEither) {
+    EXPECT_EQ(numbersOf(folder, 3, 300), 900U);
+    EXPECT_THAT(names(), ElementsAre("OverrideMetadata.plist"));
+}
+
+TEST_F(OverrideRecordTest, WhoTakesNoLockAndComesInBetweenLosesNothing) {
+    const auto theirs = listOf("<key>THEIRS</key><integer>1</integer>");
+    for (const std::string& before : {std::string(), listOf("<key>OLD</key><integer>1</integer>")}) {
+        if (!before.empty()) writeRecord(before);
+        bool cameIn = false;
+        calls.before = [&](const std::string& name) {
+            if (name != "lstat" || cameIn) return;
+            cameIn = true;
+            folder.write("Vantrel/new", theirs);
+            std::filesystem::rename(folder / "Vantrel/new", folder / recordName);
+        };
+        EXPECT_TRUE(set({{"MINE", 2}}));
+        EXPECT_EQ(stored(), (Numbers{{"MINE", 2}, {"THEIRS", 1}}));
+        EXPECT_TRUE(cameIn);
+        std::filesystem::remove(folder / recordName);
+    }
+}
+
+TEST_F(OverrideRecordTest, WhoRemovesTheRecordInBetweenHasRemovedIt) {
+    writeRecord(listOf("<key>OLD</key><integer>1</integer>"));
+    calls.before = [&](const std::string& name) {
+        if (name == "lstat" && calls.count("lstat") == 1) std::filesystem::remove(folder / recordName);
+    };
+    EXPECT_TRUE(set({{"MINE", 2}}));
+    EXPECT_EQ(stored(), (Numbers{{"MINE", 2}}));
+}
+
+TEST_F(OverrideRecordTest, SomebodyWhoComesInBetweenEveryTimeKeepsTheRecordAndTheChangeFails) {
+    int times = 0;
+    calls.before = [&](const std::string& name) {
+        if (name == "lstat") writeRecord(listOf("<key>TIME</key><integer>" + std::to_string(++times) + "</integer>"));
+    };
+    EXPECT_FALSE(set({{"MINE", 2}}));
+    EXPECT_EQ(stored(), (Numbers{{"TIME", times}}));
+    EXPECT_THAT(names(), ElementsAre("OverrideMetadata.plist"));
+}
+
+TEST_F(OverrideRecordTest, WhatCantBeLookedAtAgainIsNotReplaced) {
+    writeRecord(listOf("<key>OLD</key><integer>1</integer>"));
+    calls.failEvery("lstat", EACCES);
+    EXPECT_FALSE(set({{"MINE", 2}}));
+    EXPECT_EQ(stored(), (Numbers{{"OLD", 1}}));
+}
+
+TEST_F(OverrideRecordTest, WhoRewritesTheFileInPlaceLosesNothing) {
+    const auto whole = listOf("<key>THEIRS</key><integer>1</integer>");
+    for (const auto& half : {std::string(), whole.substr(0, 60)}) {
+        writeRecord(half);
+        calls.before = [&](const std::string& name) {
+            if (name == "nanosleep") writeRecord(whole);
+        };
+        EXPECT_TRUE(set({{"MINE", 2}})) << half;
+        EXPECT_EQ(stored(), (Numbers{{"MINE", 2}, {"THEIRS", 1}})) << half;
+    }
+}
+
+/// The lock on the record's folder, as another program has it.
+struct Lock {
+    explicit Lock(const TemporaryFolder& folder) {
+        folder.makeFolder("Vantrel");
+        file = open((folder / "Vantrel").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        EXPECT_EQ(flock(file, LOCK_EX), 0);
+    }
+    ~Lock() { close(file); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+    int file = -1;
+};
+
+TEST_F(OverrideRecordTest, ALockIsWaitedForTwoSecondsAndThenDoneWithoutInOneLineOfTheLog) {
+    const Lock lock(folder);
+    EXPECT_TRUE(set({{"CPUM", 2}}));
+    EXPECT_GE(calls.secondsSlept(), 2);
+    EXPECT_LE(calls.secondsSlept(), 2.005);
+    EXPECT_EQ(stored(), (Numbers{{"CPUM", 2}}));
+    EXPECT_THAT(journal.lines(), ElementsAre(HasSubstr(folder / "Vantrel is locked by another program")));
+}
+
+TEST_F(OverrideRecordTest, WithoutTheLockWhatOthersWroteMeanwhileStays) {
+    writeRecord(listOf("<key>OLD</key><integer>1</integer>"));
+    const Lock lock(folder);
+    calls.before = [&](const std::string& name) {
+        if (name == "lstat" && calls.count("lstat") == 1) writeRecord(listOf("<key>THEIRS</key><integer>1</integer>"));
+    };
+    EXPECT_TRUE(set({{"MINE", 2}}));
+    EXPECT_EQ(stored(), (Numbers{{"MINE", 2}, {"THEIRS", 1}}));
+}
+
+TEST_F(OverrideRecordTest, ALockIsTakenAsSoonAsItIsFree) {
+    auto lock = std::make_unique<Lock>(folder);
+    calls.before = [&](const std::string& name) {
+        if (name == "nanosleep" && calls.secondsSlept() > 0.5) lock.reset();
+    };
+    EXPECT_TRUE(set({{"CPUM", 2}}));
+    EXPECT_LE(calls.secondsSlept(), 0.6);
+    EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
+TEST_F(OverrideRecordTest, TheLockIsHeldUntilTheRecordIsChanged) {
+    calls.after = [&](const std::string& name) {
+        if (name != "rename" && name != "lstat") return;
+        const int other = open((folder / "Vantrel").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        EXPECT_EQ(flock(other, LOCK_EX | LOCK_NB), -1) << name;
+        close(other);
+    };
+    EXPECT_TRUE(set({{"CPUM", 2}}));
+    const Lock free(folder);
+}
+
+TEST_F(OverrideRecordTest, TheLockOfAProcessThatIsKilledIsFree) {
+    const pid_t process = posix::startProcess([&] {
+        const Lock lock(folder);
+        folder.write("has the lock", "");
+        pause();
+        return true;
+    });
+    while (!folder.names().contains("has the lock")) usleep(1000);
+    kill(process, SIGKILL);
+    posix::endOf(process);
+    EXPECT_TRUE(set({{"CPUM", 2}}));
+    EXPECT_EQ(calls.count("nanosleep"), 0);
+}
+
+TEST_F(OverrideRecordTest, AFileSystemWithoutLocksIsDoneWithout) {
+    calls.failEvery("flock", ENOLCK);
+    EXPECT_TRUE(set({{"CPUM", 2}}));
+    EXPECT_EQ(calls.count("nanosleep"), 0);
+    EXPECT_THAT(journal.lines(), IsEmpty());
+}
+
+// Links
+
+TEST_F(OverrideRecordTest, ALinkInItsPlaceIsNeitherFollowedNorReplaced) {
+    folder.makeFolder("Vantrel");
+    const auto outside = listOf("<key>CPUM</key><integer>1</integer>");
+    folder.write("outside.plist", outside);
+    for (const char* leadsTo : {"../outside.plist", "../nowhere.plist"}) {
+        std::filesystem::create_symlink(leadsTo, folder / recordName);
+        EXPECT_FALSE(record.read()) << leadsTo;
+        EXPECT_FALSE(set({{"CPUM", 2}})) << leadsTo;
+        EXPECT_EQ(std::filesystem::read_symlink(folder / recordName), leadsTo);
+        std::filesystem::remove(folder / recordName);
+    }
+    EXPECT_EQ(folder.read("outside.plist"), outside);
+    EXPECT_EQ(folder.names(), (std::set<std::string>{"Vantrel", "outside.plist"}));
+}
+
+TEST_F(OverrideRecordTest, ALinkInThePlaceOfItsFolderIsNotFollowed) {
+    folder.makeFolder("outside");
+    folder.write("outside/OverrideMetadata.plist", listOf(""));
+    for (const char* leadsTo : {"outside", "nowhere"}) {
+        std::filesystem::create_symlink(leadsTo, folder / "Vantrel");
+        EXPECT_FALSE(record.read()) << leadsTo;
+        EXPECT_FALSE(set({{"CPUM", 2}})) << leadsTo;
+        std::filesystem::remove(folder / "Vantrel");
+    }
+    EXPECT_EQ(folder.read("outside/OverrideMetadata.plist"), listOf(""));
+    EXPECT_EQ(folder.names(), std::set<std::string>{"outside"});
+}
+
+TEST_F(OverrideRecordTest, ALinkThatTakesItsPlaceMeanwhileIsNotFollowedEither) {
+    writeRecord(listOf(""));
+    folder.write("outside.plist", listOf(""));
+    calls.before = [&](const std::string& name) {
+        if (name != "lstat" || calls.count("lstat") > 1) return;
+        std::filesystem::remove(folder / recordName);
+        std::filesystem::create_symlink("../outside.plist", folder / recordName);
+    };
+    EXPECT_FALSE(set({{"CPUM", 2}}));
+    EXPECT_EQ(folder.read("outside.plist"), listOf(""));
+}
+
+TEST_F(OverrideRecordTest, TheFoldersAboveMayBeLinks) {
+    folder.makeFolder("elsewhere");
+    std::filesystem::create_symlink("elsewhere", folder / "ApplicationSupport");
+    OverrideRecord linked(folder / "ApplicationSupport", log, calls);
+    EXPECT_TRUE(linked.change({}, numbers({{"CPUM", 2}})));
+    EXPECT_EQ(linked.read()->integer("CPUM"), 2);
+}
+
+// Failures
+
+TEST_F(OverrideRecordTest, WhateverCallFailsTheRecordIsTheOldOneOrTheNewOneAndNothingElseIsLeft) {
+    writeRecord(listOf("<key>CPUM</key><integer>1</integer>"));
+    const auto old = file();
+    ASSERT_TRUE(set({{"CPUM", 2}}));
+    const auto changed = file();
     const auto usual = calls.made();
 
-    for (std::size_t index = 0; index < usual.size(); ++index) {
-        writeRecord(old);
-        int call = 0;
-        FaultySystemCalls faulty;
-        faulty.before = [&](const std::string&) {
-            if (static_cast<std::size_t>(call++) == index) faulty.fail(usual[index], ENOSPC);
-        };
-        const auto overrides = OverrideRecordClass(folder.path, faulty).initFromOverride();
-        if (overrides) {
-            overrides->addObjectWithKey(2, "CPUM");
-            overrides->writeToOverride();
+    for (const int error : {EIO, ENOSPC, EACCES, EDQUOT, EROFS, EMFILE}) {
+        for (std::size_t index = 0; index < usual.size(); ++index) {
+            SCOPED_TRACE(usual[index] + " number " + std::to_string(index) + " fails with " + std::to_string(error));
+            writeRecord(old);
+            posix::SystemCallsWithOwnClock faulty;
+            faulty.before = [&](const std::string& name) {
+                if (faulty.made().size() == index + 1) faulty.failNth(name, 0, error);
+            };
+            OverrideRecord failing(folder.path, log, faulty);
+            const bool done = failing.change({}, numbers({{"CPUM", 2}}));
+            EXPECT_THAT(file(), AnyOf(old, changed));
+            EXPECT_TRUE(!done || file() == changed);
+            EXPECT_THAT(names(), ElementsAre("OverrideMetadata.plist"));
+
+            ASSERT_TRUE(set({{"CPUM", 2}}));
+            EXPECT_EQ(file(), changed);
         }
-        EXPECT_TRUE(record() == old || record() == updated) << usual[index];
-        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "Vantrel"), {}), 1) << usual[index];
     }
+}
+
+TEST_F(OverrideRecordTest, WhereverAProcessIsKilledTheRecordIsWholeAndTheNextChangeLeavesNothingElse) {
+    writeRecord(listOf("<key>CPUM</key><integer>1</integer>"));
+    std::size_t number = 0;
+    const auto change = [&](posix::SystemCalls& killing) {
+        OverrideRecord killed(folder.path, log, killing);
+        EXPECT_TRUE(killed.change({}, numbers({{"KILLED", 1}})));
+    };
+    for (; posix::killedBeforeCall(number, change); ++number) {
+        SCOPED_TRACE(number);
+        EXPECT_THAT(stored(), AnyOf(Numbers{{"CPUM", 1}}, Numbers{{"CPUM", 1}, {"KILLED", 1}}));
+        ASSERT_TRUE(record.change(numbers({{"KILLED", 1}}), {}));
+        EXPECT_EQ(stored(), (Numbers{{"CPUM", 1}}));
+        EXPECT_THAT(names(), ElementsAre("OverrideMetadata.plist"));
+    }
+    EXPECT_GE(number, 15U);
 }
 
 }  // namespace
