@@ -17,17 +17,21 @@ gnustep_folder() { # USER, LOCAL or SYSTEM
     esac
 }
 
-# Opens the pane in the tree, clicks a check box, expects its value in the user's file, and keeps a picture.
+# Opens the pane in the tree, clicks a check box of the settings and one of the override metadata, expects their values in
+# the user's files, and keeps a picture.
 click_in_tree() { # picture
     start_desktop
     open_display_to_tree
     defaults_file=$tree/home/$editor/GNUstep/Defaults/$domain.plist
+    record_file=$tree/home/$editor/GNUstep/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist
     [[ ! -e $defaults_file ]] || fail "the user has settings before the pane has been opened"
     open_host
     open_pane
     expect stored FormatRGB8 true
     click_control fmtRGB8Bit
     expect stored FormatRGB8 false
+    click_control filter422To444
+    expect overridden CLSF 1
     settle
     keep_picture "$1"
     sed 's/^/    /' "$defaults_file"

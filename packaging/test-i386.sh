@@ -23,11 +23,14 @@ mount --bind "$sources" "$tree/sources"
 mount -o remount,bind,ro "$tree/sources"
 mount --bind "$build" "$tree/build"
 in_tree cmake -G Ninja -S /sources -B /build -D CMAKE_CXX_COMPILER=g++ -D CMAKE_BUILD_TYPE=RelWithDebInfo
-in_tree cmake --build /build --target pane KVRXMetadataDictionary posix_tests gnustep_tests linux_tests
+in_tree cmake --build /build --target pane posix_tests gnustep_tests linux_tests override_record_tests
 for room in posix gnustep linux; do
     in_tree "/build/tests/platform/$room/${room}_tests" --gtest_brief=1
 done
-in_tree cmake --install /build --prefix /usr --component pane
+in_tree /build/tests/overrides/override_record_tests --gtest_brief=1
+for component in pane library; do
+    in_tree cmake --install /build --prefix /usr --component "$component"
+done
 file=$tree/usr/lib/GNUstep/Bundles/Vantrel.prefPane/Vantrel
 expect_same "the bundle's word size" "$(head --bytes 5 "$file" | od -An -tx1)" " 7f 45 4c 46 01"
 click_in_tree pane-on-a-32-bit-host

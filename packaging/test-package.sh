@@ -21,7 +21,8 @@ files_of_tree() {
     )
 }
 
-depends() { dpkg-deb --field "$1" Depends; }
+# What a package depends on, but for the other one.
+depends() { dpkg-deb --field "$1" Depends | sed -E 's/libkvrxmetadatadictionary1 \([^)]*\)(, )?//'; }
 
 installed() { in_tree dpkg-query --show --showformat '${db:Status-Status} ${Package}\n' | grep -v '^not-installed'; }
 

@@ -14,7 +14,8 @@
 /// read, so that it is never overwritten.
 - (id)initFromOverride;
 
-/// The instance's metadata, key to value; never nil. What is changed in it, in place or in a copy that is handed to
+/// The instance's metadata, key to value; never nil. An entry that no object can be made of, a date that is none for
+/// one, isn't seen and stays in the record. What is changed in it, in place or in a copy that is handed to
 /// `setMetadata:`, lasts from `writeToOverride:` on.
 - (NSMutableDictionary *)metadata;
 

@@ -1,5 +1,7 @@
 #import "overrides/KVRXMetadataDictionary/MetadataDictionary.h"
 
+#include <regex>
+
 #include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
 #import "platform/cocoa/CocoaFolders.h"
 #import "platform/cocoa/CocoaSystem.h"
@@ -16,9 +18,27 @@ OverrideRecord &record() {
     return record;
 }
 
-/// The entries as Foundation's objects. Containers can't be changed in place: an entry changes by being replaced.
+/// Whether Foundation has an object for an entry in XML. GNUstep's raises an exception over a date that is none.
+bool hasObject(const std::string &xml) {
+    static const std::regex date(
+        "<date>[0-9]{4}-(0[1-9]|1[0-2])-(0[1-9]|[12][0-9]|3[01])T([01][0-9]|2[0-3]):[0-5][0-9]:[0-5][0-9]Z</date>");
+    for (auto at = xml.find("<date"); at != std::string::npos; at = xml.find("<date", at + 1)) {
+        const auto from = xml.begin() + static_cast<std::ptrdiff_t>(at);
+        if (!std::regex_search(from, xml.end(), date, std::regex_constants::match_continuous)) return false;
+    }
+    return true;
+}
+
+/// The entries as Foundation's objects, but for those that have none. Containers can't be changed in place: an entry
+/// changes by being replaced.
 NSDictionary *toDictionary(const PropertyList &list) {
-    const std::string xml = list.toXML();
+    PropertyList seen;
+    for (const auto &key : list.keys()) {
+        PropertyList entry;
+        entry.copyEntry(key, list);
+        if (hasObject(entry.toXML())) seen.copyEntry(key, list);
+    }
+    const std::string xml = seen.toXML();
     return [NSPropertyListSerialization propertyListFromData:[NSData dataWithBytes:xml.data() length:xml.size()]
                                             mutabilityOption:NSPropertyListImmutable
                                                       format:nullptr

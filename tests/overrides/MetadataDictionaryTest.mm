@@ -157,6 +157,28 @@ TEST_F(MetadataDictionaryTest, EntriesThatWereNotReplacedAreWrittenAsTheyWereRea
     EXPECT_TRUE([written rangeOfString:@"<integer>18446744073709551615</integer>"].length > 0);
 }
 
+TEST_F(MetadataDictionaryTest, AnEntryThatNoObjectCanBeMadeOfIsNotSeenAndStays) {
+    for (const std::string none :
+         {"<date>tomorrow</date>", "<date></date>", "<date/>", "<date>2024-01-01</date>",
+          "<date>2024-00-10T00:00:00Z</date>", "<date>2024-10-00T00:00:00Z</date>",
+          "<date>99999-01-01T00:00:00Z</date>", "<date> 2024-01-01T00:00:00Z</date>",
+          "<array><date>2024-01-01T00:00:00Z</date><dict><key>a</key><date>1</date></dict></array>"}) {
+        SCOPED_TRACE(none);
+        writeFile("<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict><key>NONE</key>" + none +
+                  "<key>DATE</key><date>2024-02-29T23:59:59Z</date></dict></plist>");
+        MetadataDictionary *overrides = fresh();
+        EXPECT_EQ([[overrides metadata] count], 1U);
+        EXPECT_TRUE([[[overrides metadata] objectForKey:@"DATE"] isKindOfClass:[NSDate class]]);
+        [overrides setMetadata:nil];
+        [overrides addObject:number(1) withKey:@"CLSF"];
+        EXPECT_TRUE([overrides writeToOverride:nullptr]);
+        NSString *written = [NSString stringWithContentsOfFile:cocoa::toNSString(path)];
+        EXPECT_TRUE([written rangeOfString:cocoa::toNSString(none)].length > 0);
+        EXPECT_TRUE([written rangeOfString:@"CLSF"].length > 0);
+        EXPECT_EQ([written rangeOfString:@"DATE"].length, 0U);
+    }
+}
+
 TEST_F(MetadataDictionaryTest, WhatOthersStoredSinceTheLoadStays) {
     writeRecord([NSDictionary dictionaryWithObjectsAndKeys:number(1), @"CLSF", number(500), @"GAIN", nil]);
     MetadataDictionary *slow = fresh();
