@@ -38,10 +38,6 @@ public:
     [[nodiscard]] bool change(const gnustep::PropertyList& before, const gnustep::PropertyList& after);
 
 private:
-    int openFolder();
-    int openRecord(struct stat& status);
-    std::optional<gnustep::PropertyList> listIn(const posix::Descriptor& record);
-    bool isStill(const posix::Descriptor& record, const struct stat& status);
     void lock(const posix::Descriptor& folder);
 
     std::string folder_;
