@@ -237,8 +237,9 @@ std::string nameOf(const testing::TestParamInfo<Click>& test) {
 const Lines beginning{"open", "fstat", "read", "read", "close", "stat"};
 
 /// Copying the version enabler.
-const Lines copying{"open", "fstat",  "mkostemp", "read",  "write",           "read", "write", "read", "write",
-                    "read", "fchmod", "fsync",    "close", "renameNoReplace", "close"};
+const Lines copying{"open", "fstat",  "scandir", "mkostemp",        "flock", "fstat",
+                    "read", "write",  "read",    "write",           "read",  "write",
+                    "read", "fchmod", "fsync",   "renameNoReplace", "close", "close"};
 
 Lines operator+(Lines first, const Lines& second) {
     first.insert(first.end(), second.begin(), second.end());
@@ -272,6 +273,14 @@ TEST_P(EnablerSwitchOnRealFiles, LeavesTheFolderTheCheckBoxTheKeyAndTheLogAsTheS
     EXPECT_THAT(strangers(), IsEmpty());
 }
 
+/// Whether the copy succeeds without the call number `failing`: removing what others left, locking the new file,
+/// looking whether it is still there (or else it is made again), closing.
+bool copiesWithout(const Lines& calls, std::size_t failing) {
+    const auto& name = calls[failing];
+    return name == "scandir" || name == "flock" || name == "close" ||
+           (name == "fstat" && calls[failing - 1] == "flock");
+}
+
 /// What a click comes to whose system call number `failing`, counted from 0, fails.
 struct Failed {
     Result result;
@@ -287,8 +296,7 @@ Failed withFailing(const Click& click, std::size_t failing) {
     if (click.on) {
         if (actsFirst) return {Result::saveFailed, click.from};
         const bool copies = click.from == State::inactive && failing > beginning.size();
-        const bool closesTheOriginal = failing + 1 == click.calls.size();
-        if (copies && !closesTheOriginal) return {Result::copyFailed, State::inactive};
+        if (copies && !copiesWithout(click.calls, failing)) return {Result::copyFailed, State::inactive};
     } else {
         if (actsFirst) return {Result::noBackup, click.from};
         if (click.calls[failing] == "unlink") return {Result::deleteFailed, click.from};
