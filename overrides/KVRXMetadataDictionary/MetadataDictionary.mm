@@ -1,7 +1,5 @@
 #import "overrides/KVRXMetadataDictionary/MetadataDictionary.h"
 
-#include <regex>
-
 #include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
 #import "platform/cocoa/CocoaFolders.h"
 #import "platform/cocoa/CocoaSystem.h"
@@ -18,62 +16,62 @@ OverrideRecord &record() {
     return record;
 }
 
-/// Whether Foundation has an object for an entry in XML. GNUstep's raises an exception over a date that is none.
-bool hasObject(const std::string &xml) {
-    static const std::regex date(
-        "<date>[0-9]{4}-(0[1-9]|1[0-2])-(0[1-9]|[12][0-9]|3[01])T([01][0-9]|2[0-3]):[0-5][0-9]:[0-5][0-9]Z</date>");
-    for (auto at = xml.find("<date"); at != std::string::npos; at = xml.find("<date", at + 1)) {
-        const auto from = xml.begin() + static_cast<std::ptrdiff_t>(at);
-        if (!std::regex_search(from, xml.end(), date, std::regex_constants::match_continuous)) return false;
+/// What `make` makes; nil when Foundation raises an exception over it.
+template <typename Make>
+id orNil(const Make &make) {
+    try {
+        return make();
+    } catch (...) {
+        return nil;
     }
-    return true;
 }
 
-/// The entries as Foundation's objects, but for those that have none. Containers can't be changed in place: an entry
-/// changes by being replaced.
+/// The entries as Foundation's objects. Containers can't be changed in place: an entry changes by being replaced.
+NSDictionary *toObjects(const PropertyList &list) {
+    const std::string xml = list.toXML();
+    return orNil([&]() -> id {
+        return [NSPropertyListSerialization propertyListFromData:[NSData dataWithBytes:xml.data() length:xml.size()]
+                                                mutabilityOption:NSPropertyListImmutable
+                                                          format:nullptr
+                                                errorDescription:nullptr];
+    });
+}
+
+/// The same, without those that Foundation has no object for. GNUstep raises an exception over a date that is none, or
+/// over a text that ends with half a surrogate pair.
 NSDictionary *toDictionary(const PropertyList &list) {
-    PropertyList seen;
+    if (NSDictionary *all = toObjects(list)) return all;
+    NSMutableDictionary *some = [NSMutableDictionary dictionary];
     for (const auto &key : list.keys()) {
         PropertyList entry;
         entry.copyEntry(key, list);
-        if (hasObject(entry.toXML())) seen.copyEntry(key, list);
+        [some addEntriesFromDictionary:toObjects(entry)];
     }
-    const std::string xml = seen.toXML();
-    return [NSPropertyListSerialization propertyListFromData:[NSData dataWithBytes:xml.data() length:xml.size()]
-                                            mutabilityOption:NSPropertyListImmutable
-                                                      format:nullptr
-                                            errorDescription:nullptr];
+    return some;
 }
 
-bool isText(id object) {
-    return [object isKindOfClass:[NSString class]];
-}
-
-bool areAll(NSArray *objects, bool (*isFit)(id)) {
-    NSEnumerator *enumerator = [objects objectEnumerator];
-    while (id object = [enumerator nextObject]) {
-        if (!isFit(object)) return false;
-    }
-    return true;
-}
-
-/// Whether `object` can stand in a property list. Foundation should tell, but GNUstep's writes the description of an
-/// object that can't, and raises an exception over a key that can't.
+/// Whether `object` can be a value in a property list. Foundation should tell, but GNUstep's takes any object and
+/// writes its description.
 bool isPropertyListValue(id object) {
-    if ([object isKindOfClass:[NSArray class]]) return areAll(object, isPropertyListValue);
-    if ([object isKindOfClass:[NSDictionary class]]) {
-        return areAll([object allKeys], isText) && areAll([object allValues], isPropertyListValue);
+    if ([object isKindOfClass:[NSArray class]] || [object isKindOfClass:[NSDictionary class]]) {
+        NSEnumerator *values = [object objectEnumerator];
+        while (id value = [values nextObject]) {
+            if (!isPropertyListValue(value)) return false;
+        }
+        return true;
     }
-    return isText(object) || [object isKindOfClass:[NSNumber class]] || [object isKindOfClass:[NSData class]] ||
-           [object isKindOfClass:[NSDate class]];
+    return [object isKindOfClass:[NSString class]] || [object isKindOfClass:[NSNumber class]] ||
+           [object isKindOfClass:[NSData class]] || [object isKindOfClass:[NSDate class]];
 }
 
-/// Nothing when a value is none of a property list's.
+/// Nothing when a value is none of a property list's, or a key no text.
 std::optional<PropertyList> toPropertyList(NSDictionary *dictionary) {
     if (!isPropertyListValue(dictionary)) return std::nullopt;
-    NSData *xml = [NSPropertyListSerialization dataFromPropertyList:dictionary
-                                                             format:NSPropertyListXMLFormat_v1_0
-                                                   errorDescription:nullptr];
+    NSData *xml = orNil([&]() -> id {
+        return [NSPropertyListSerialization dataFromPropertyList:dictionary
+                                                          format:NSPropertyListXMLFormat_v1_0
+                                                errorDescription:nullptr];
+    });
     return PropertyList::parse({static_cast<const char *>([xml bytes]), [xml length]});
 }
 

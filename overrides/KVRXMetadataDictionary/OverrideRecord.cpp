@@ -24,7 +24,7 @@ constexpr int mostTries = 10;
 /// What a record of these bytes holds; nothing when it can't be read.
 std::optional<PropertyList> listFrom(std::string_view bytes) {
     if (bytes.empty()) return PropertyList();
-    auto list = bytes.size() <= largestRecord ? PropertyList::parse(bytes) : std::nullopt;
+    auto list = PropertyList::parse(bytes);
     // A binary list can be many times longer once it is written out.
     if (list && list->toXML().size() > largestRecord) list.reset();
     return list;
@@ -49,7 +49,7 @@ public:
         struct stat now {};
         const bool isThere = calls_.lstat(path_.c_str(), &now) == 0;
         if (!file_.isOpen()) return !isThere && errno == ENOENT;
-        return isThere && posix::isUnchanged(status_, now);
+        return posix::isUnchanged(status_, now);
     }
 
 private:

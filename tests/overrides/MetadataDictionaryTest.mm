@@ -147,6 +147,7 @@ TEST_F(MetadataDictionaryTest, BothWaysToStoreLeaveTheSameRecord) {
 TEST_F(MetadataDictionaryTest, EntriesThatWereNotReplacedAreWrittenAsTheyWereRead) {
     writeFile("<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
               "<key>REAL</key><real>0.12345678901234568</real>"
+              "<key>HALF</key><string>\\Ud800 is half a pair</string>"
               "<key>UNSI</key><integer>18446744073709551615</integer></dict></plist>");
     MetadataDictionary *overrides = fresh();
     [overrides addObject:number(1) withKey:@"CLSF"];
@@ -159,8 +160,8 @@ TEST_F(MetadataDictionaryTest, EntriesThatWereNotReplacedAreWrittenAsTheyWereRea
 
 TEST_F(MetadataDictionaryTest, AnEntryThatNoObjectCanBeMadeOfIsNotSeenAndStays) {
     for (const std::string none :
-         {"<date>tomorrow</date>", "<date></date>", "<date/>", "<date>2024-01-01</date>",
-          "<date>2024-00-10T00:00:00Z</date>", "<date>2024-10-00T00:00:00Z</date>",
+         {"<string>half a pair: \\Ud800</string>", "<date>tomorrow</date>", "<date></date>", "<date/>",
+          "<date>2024-01-01</date>", "<date>2024-00-10T00:00:00Z</date>", "<date>2024-10-00T00:00:00Z</date>",
           "<date>99999-01-01T00:00:00Z</date>", "<date> 2024-01-01T00:00:00Z</date>",
           "<array><date>2024-01-01T00:00:00Z</date><dict><key>a</key><date>1</date></dict></array>"}) {
         SCOPED_TRACE(none);

@@ -386,7 +386,7 @@ struct Lock {
     explicit Lock(const TemporaryFolder& folder) {
         folder.makeFolder("Vantrel");
         file = open((folder / "Vantrel").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        EXPECT_EQ(flock(file, LOCK_EX), 0);
+        EXPECT_EQ(flock(file, LOCK_EX | LOCK_NB), 0);
     }
     ~Lock() { close(file); }
     Lock(const Lock&) = delete;
@@ -433,6 +433,17 @@ TEST_F(OverrideRecordTest, TheLockIsHeldUntilTheRecordIsChanged) {
     };
     EXPECT_TRUE(set({{"CPUM", 2}}));
     const Lock free(folder);
+}
+
+TEST_F(OverrideRecordTest, TheLockIsFreeWhileTheRenamingIsOnItsWayToTheDisk) {
+    int renamings = 0;
+    calls.before = [&](const std::string& name) {
+        if (name != "fsync" || calls.count("rename") == 0) return;
+        const Lock free(folder);
+        ++renamings;
+    };
+    EXPECT_TRUE(set({{"CPUM", 2}}));
+    EXPECT_EQ(renamings, 1);
 }
 
 TEST_F(OverrideRecordTest, TheLockOfAProcessThatIsKilledIsFree) {

@@ -89,13 +89,10 @@ TEST_F(TemporaryFileTest, OneThatIsBeingWrittenStays) {
 }
 
 TEST_F(TemporaryFileTest, NamesThatAreOnlyLikeOursStay) {
-    const std::set<std::string> names{".Vantrel-unfinished-",
-                                      ".Vantrel-unfinished-abc",
-                                      ".Vantrel-unfinished-abcdefg",
-                                      ".Vantrel-unfinished-abc.ef",
-                                      ".Vantrel-unfinished-abcde~",
-                                      "Vantrel-unfinished-abcdef",
-                                      ".Vantrel-abcdef",
+    const std::set<std::string> names{".Vantrel-unfinished-",          ".Vantrel-unfinished-abc",
+                                      ".Vantrel-unfinished-abcdefg",   ".Vantrel-unfinished-abc.ef",
+                                      ".Vantrel-unfinished-abcde~",    "Vantrel-unfinished-abcdef",
+                                      ".vantrel-unfinished-abcdef",    ".Vantrel-abcdef",
                                       "com.vantrel.codec.plist.backup"};
     for (const auto& name : names) folder.write(name, "");
     EXPECT_EQ(namesAfterCleaning(), names);
