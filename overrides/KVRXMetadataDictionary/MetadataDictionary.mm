@@ -43,9 +43,11 @@ NSDictionary *toDictionary(const PropertyList &list) {
     if (NSDictionary *all = toObjects(list)) return all;
     NSMutableDictionary *some = [NSMutableDictionary dictionary];
     for (const auto &key : list.keys()) {
+        NSAutoreleasePool *pool = [NSAutoreleasePool new];
         PropertyList entry;
         entry.copyEntry(key, list);
         [some addEntriesFromDictionary:toObjects(entry)];
+        [pool release];
     }
     return some;
 }

@@ -11,8 +11,8 @@
 
 namespace vantrel {
 
-/// Bytes. Thirty thousand numbers fit; what a hostile record can cost the programs that load it stays small.
-inline constexpr std::size_t largestRecord = std::size_t{1024} * 1024;
+/// Bytes. Ten thousand numbers fit; what a hostile record can cost the programs that load it stays small.
+inline constexpr std::size_t largestRecord = std::size_t{512} * 1024;
 
 /// The codec's override record: a property list, "Vantrel/OverrideMetadata.plist" in the user's application support
 /// folder, with numbers under four-character keys. Several programs read and change it at any time.
