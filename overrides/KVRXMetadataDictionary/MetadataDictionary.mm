@@ -1,5 +1,6 @@
 #import "overrides/KVRXMetadataDictionary/MetadataDictionary.h"
 
+#include "overrides/KVRXMetadataDictionary/Exceptions.h"
 #include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
 #import "platform/cocoa/CocoaFolders.h"
 #import "platform/cocoa/CocoaSystem.h"
@@ -16,25 +17,18 @@ OverrideRecord &record() {
     return record;
 }
 
-/// What `make` makes; nil when Foundation raises an exception over it.
-template <typename Make>
-id orNil(const Make &make) {
-    try {
-        return make();
-    } catch (...) {
-        return nil;
-    }
-}
-
-/// The entries as Foundation's objects. Containers can't be changed in place: an entry changes by being replaced.
+/// The entries as Foundation's objects; nil when it raises an exception over them. Containers can't be changed in
+/// place: an entry changes by being replaced.
 NSDictionary *toObjects(const PropertyList &list) {
     const std::string xml = list.toXML();
-    return orNil([&]() -> id {
-        return [NSPropertyListSerialization propertyListFromData:[NSData dataWithBytes:xml.data() length:xml.size()]
-                                                mutabilityOption:NSPropertyListImmutable
-                                                          format:nullptr
-                                                errorDescription:nullptr];
+    NSDictionary *objects = nil;
+    vantrel::withoutExceptions([&] {
+        objects = [NSPropertyListSerialization propertyListFromData:[NSData dataWithBytes:xml.data() length:xml.size()]
+                                                   mutabilityOption:NSPropertyListImmutable
+                                                             format:nullptr
+                                                   errorDescription:nullptr];
     });
+    return objects;
 }
 
 /// The same, without those that Foundation has no object for. GNUstep raises an exception over a date that is none, or
@@ -69,10 +63,11 @@ bool isPropertyListValue(id object) {
 /// Nothing when a value is none of a property list's, or a key no text.
 std::optional<PropertyList> toPropertyList(NSDictionary *dictionary) {
     if (!isPropertyListValue(dictionary)) return std::nullopt;
-    NSData *xml = orNil([&]() -> id {
-        return [NSPropertyListSerialization dataFromPropertyList:dictionary
-                                                          format:NSPropertyListXMLFormat_v1_0
-                                                errorDescription:nullptr];
+    NSData *xml = nil;
+    vantrel::withoutExceptions([&] {
+        xml = [NSPropertyListSerialization dataFromPropertyList:dictionary
+                                                         format:NSPropertyListXMLFormat_v1_0
+                                               errorDescription:nullptr];
     });
     return PropertyList::parse({static_cast<const char *>([xml bytes]), [xml length]});
 }
