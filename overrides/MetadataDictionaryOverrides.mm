@@ -63,6 +63,7 @@ bool MetadataDictionaryOverrides::write(const OverrideKey &key, std::int32_t num
         [metadata setObject:value forKey:toNSString(key.name)];
         [instance setMetadata:metadata];
     }
+    // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount): it is sent no release.
     return [instance writeToOverride:nullptr];
 }
 
