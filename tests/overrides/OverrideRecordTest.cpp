@@ -6,6 +6,7 @@
 
 #include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
 #include "platform/memory/MemorySystem.h"
+#include "tests/platform/posix/DiskWithPowerCuts.h"
 #include "tests/platform/posix/Processes.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
@@ -19,7 +20,7 @@ using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Optional;
+using testing::UnorderedElementsAre;
 
 const std::string recordName = "Vantrel/OverrideMetadata.plist";
 
@@ -561,6 +562,30 @@ TEST_F(OverrideRecordTest, WhereverAProcessIsKilledTheRecordIsWholeAndTheNextCha
         EXPECT_THAT(names(), ElementsAre("OverrideMetadata.plist"));
     }
     EXPECT_GE(number, 15U);
+}
+
+TEST_F(OverrideRecordTest, WheneverThePowerIsCutTheRecordIsWholeAndAFinishedChangeIsInIt) {
+    for (const std::string& old : {std::string(), listOf("<key>CPUM</key><integer>1</integer>")}) {
+        if (!old.empty()) writeRecord(old);
+        posix::DiskWithPowerCuts disk(folder.path);
+        std::set<std::string> found;
+        const auto cut = [&] {
+            for (const auto& contents : disk.afterACut()) {
+                const auto left = contents.find(recordName);
+                found.insert(left == contents.end() ? "" : left->second);
+            }
+        };
+        disk.before = [&](const std::string&) { cut(); };
+        OverrideRecord onDisk(folder.path, log, disk);
+        EXPECT_TRUE(onDisk.change({}, numbers({{"CPUM", 2}})));
+        const auto changed = file();
+        EXPECT_THAT(found, UnorderedElementsAre(old, changed));
+
+        found.clear();
+        cut();
+        EXPECT_THAT(found, ElementsAre(changed));
+        std::filesystem::remove_all(folder / "Vantrel");
+    }
 }
 
 }  // namespace
