@@ -69,10 +69,7 @@ private:
 }  // namespace
 
 OverrideRecord::OverrideRecord(const std::string& applicationSupportFolder, Log& log, posix::SystemCalls& calls)
-    : folder_(applicationSupportFolder + "/Vantrel"),
-      path_(folder_ + "/OverrideMetadata.plist"),
-      log_(log),
-      calls_(calls) {}
+    : path_(overrideRecordFile(applicationSupportFolder)), folder_(posix::folderOf(path_)), log_(log), calls_(calls) {}
 
 std::optional<PropertyList> OverrideRecord::read() {
     const posix::Descriptor folder(calls_, posix::openFolder(calls_, folder_, O_NOFOLLOW));

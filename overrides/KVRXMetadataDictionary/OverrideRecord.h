@@ -14,8 +14,13 @@ namespace vantrel {
 /// Bytes. Ten thousand numbers fit; what a hostile record can cost the programs that load it stays small.
 inline constexpr std::size_t largestRecord = std::size_t{512} * 1024;
 
-/// The codec's override record: a property list, "Vantrel/OverrideMetadata.plist" in the user's application support
-/// folder, with numbers under four-character keys. Several programs read and change it at any time.
+/// The file of the override record, in the user's application support folder.
+inline std::string overrideRecordFile(const std::string& applicationSupportFolder) {
+    return applicationSupportFolder + "/Vantrel/OverrideMetadata.plist";
+}
+
+/// The codec's override record: a property list with numbers under four-character keys, which several programs read and
+/// change at any time.
 ///
 /// It can't be read when it is damaged or longer than `largestRecord`, or when a symbolic link stands in its place or
 /// in that of its folder: no link leads a write elsewhere.
@@ -40,8 +45,8 @@ public:
 private:
     void lock(const posix::Descriptor& folder);
 
-    std::string folder_;
     std::string path_;
+    std::string folder_;
     Log& log_;
     posix::SystemCalls& calls_;
 };
