@@ -14,12 +14,16 @@ Owned<CFTypeRef> makeValue(const NewPreferenceValue& value) {
     if (const auto* number = std::get_if<long>(&value)) {
         return Owned<CFTypeRef>(CFNumberCreate(nullptr, kCFNumberLongType, number));
     }
-    return Owned<CFTypeRef>(makeString(std::get<std::string>(value)).release());
+    return Owned<CFTypeRef>(makeString(*std::get_if<std::string>(&value)).release());
 }
 
 Number readNumber(CFNumberRef number) {
     long value = 0;
     if (!CFNumberGetValue(number, kCFNumberLongType, &value)) return {};
+    if (CFNumberIsFloatType(number)) return {value};
+    // Of 2^63 and more, CoreFoundation drops the upper half and calls that a success.
+    const Owned<CFNumberRef> readBack(CFNumberCreate(nullptr, kCFNumberLongType, &value));
+    if (CFNumberCompare(number, readBack.get(), nullptr) != kCFCompareEqualTo) return {};
     return {value};
 }
 

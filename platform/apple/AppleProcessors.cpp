@@ -2,6 +2,8 @@
 
 #include <sys/sysctl.h>
 
+#include <cstddef>
+
 namespace vantrel::apple {
 
 std::int32_t AppleProcessors::physicalCPUCount() {

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <type_traits>
 
+#include "platform/text/UTF16.h"
+
 namespace vantrel::apple {
 
 struct Releaser {
@@ -17,22 +19,20 @@ struct Releaser {
 template <typename Reference>
 using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Releaser>;
 
-/// A string with the UTF-8 text.
+static_assert(sizeof(UniChar) == sizeof(char16_t));
+
+/// A string with the text, which is as platform/text/UTF16.h says.
 inline Owned<CFStringRef> makeString(std::string_view text) {
-    return Owned<CFStringRef>(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
-                                                      static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8,
-                                                      /*isExternalRepresentation=*/false));
+    const std::u16string units = text::toUTF16(text);
+    return Owned<CFStringRef>(CFStringCreateWithCharacters(nullptr, reinterpret_cast<const UniChar*>(units.data()),
+                                                           static_cast<CFIndex>(units.size())));
 }
 
-/// The string as UTF-8; what UTF-8 can't hold, a surrogate on its own, becomes '?'.
+/// The reverse of `makeString`.
 inline std::string toUTF8(CFStringRef string) {
-    const CFRange whole{0, CFStringGetLength(string)};
-    CFIndex size = 0;
-    CFStringGetBytes(string, whole, kCFStringEncodingUTF8, '?', false, nullptr, 0, &size);
-    std::string text(static_cast<std::size_t>(size), '\0');
-    CFStringGetBytes(string, whole, kCFStringEncodingUTF8, '?', false, reinterpret_cast<UInt8*>(text.data()), size,
-                     nullptr);
-    return text;
+    std::u16string units(static_cast<std::size_t>(CFStringGetLength(string)), u'\0');
+    CFStringGetCharacters(string, CFRangeMake(0, CFStringGetLength(string)), reinterpret_cast<UniChar*>(units.data()));
+    return text::fromUTF16(units);
 }
 
 }  // namespace vantrel::apple

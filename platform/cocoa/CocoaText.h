@@ -7,10 +7,10 @@
 
 namespace vantrel::cocoa {
 
-/// An autoreleased string with the UTF-8 text; the empty string when `text` is not UTF-8.
+/// An autoreleased string with the text, which is as platform/text/UTF16.h says.
 NSString *toNSString(std::string_view text);
 
-/// The string as UTF-8; empty for nil. What UTF-8 can't hold, a surrogate on its own, is replaced.
+/// The reverse of `toNSString`; empty for nil.
 std::string toUTF8(NSString *string);
 
 }  // namespace vantrel::cocoa

@@ -1,16 +1,20 @@
 #import "platform/cocoa/CocoaText.h"
 
+#include "platform/text/UTF16.h"
+
 namespace vantrel::cocoa {
 
+static_assert(sizeof(unichar) == sizeof(char16_t));
+
 NSString *toNSString(std::string_view text) {
-    NSString *string = [[[NSString alloc] initWithBytes:text.data() length:text.size()
-                                               encoding:NSUTF8StringEncoding] autorelease];
-    return string ? string : @"";
+    const std::u16string units = text::toUTF16(text);
+    return [NSString stringWithCharacters:reinterpret_cast<const unichar *>(units.data()) length:units.size()];
 }
 
 std::string toUTF8(NSString *string) {
-    NSData *bytes = [string dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
-    return bytes ? std::string(static_cast<const char *>([bytes bytes]), [bytes length]) : std::string();
+    std::u16string units([string length], u'\0');
+    [string getCharacters:reinterpret_cast<unichar *>(units.data()) range:NSMakeRange(0, units.size())];
+    return text::fromUTF16(units);
 }
 
 }  // namespace vantrel::cocoa

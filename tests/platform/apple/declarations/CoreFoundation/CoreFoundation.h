@@ -1,22 +1,42 @@
-// The few declarations of CoreFoundation that platform/apple/ uses, so that its sources compile where there is no
-// macOS. Nothing is ever linked against them.
+// The few declarations of CoreFoundation that platform/apple/ uses, so that its sources are compiled and tested where
+// there is no macOS. The header includes what Apple's does and no more, so that a source that needs more asks for it
+// itself.
 #pragma once
 
-#include <cstdint>
+#include <assert.h>
+#include <ctype.h>
+#include <errno.h>
+#include <float.h>
+#include <limits.h>
+#include <locale.h>
+#include <math.h>
+#include <setjmp.h>
+#include <signal.h>
+#include <stdarg.h>
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/types.h>
+#include <time.h>
 
 extern "C" {
 
 using Boolean = unsigned char;
-using UInt8 = std::uint8_t;
-using CFIndex = long;
+using UniChar = unsigned short;
+using CFIndex = signed long;
 using CFTypeID = unsigned long;
-using CFStringEncoding = std::uint32_t;
-using CFNumberType = CFIndex;
-using CFOptionFlags = unsigned long;
 struct CFRange {
     CFIndex location;
     CFIndex length;
 };
+inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
+    return {location, length};
+}
+
+enum CFComparisonResult : CFIndex { kCFCompareLessThan = -1, kCFCompareEqualTo = 0, kCFCompareGreaterThan = 1 };
 
 using CFTypeRef = const void*;
 using CFPropertyListRef = CFTypeRef;
@@ -24,73 +44,30 @@ using CFAllocatorRef = const struct __CFAllocator*;
 using CFStringRef = const struct __CFString*;
 using CFBooleanRef = const struct __CFBoolean*;
 using CFNumberRef = const struct __CFNumber*;
-using CFDataRef = const struct __CFData*;
-using CFErrorRef = struct __CFError*;
-using CFDictionaryRef = const struct __CFDictionary*;
-using CFMutableDictionaryRef = struct __CFDictionary*;
-struct CFDictionaryKeyCallBacks;
-struct CFDictionaryValueCallBacks;
-
-extern const CFBooleanRef kCFBooleanTrue;
-extern const CFBooleanRef kCFBooleanFalse;
-extern const CFStringRef kCFPreferencesCurrentUser;
-extern const CFStringRef kCFPreferencesAnyHost;
-extern const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
-extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
-inline constexpr CFNumberType kCFNumberSInt64Type = 4;
-inline constexpr CFNumberType kCFNumberLongType = 10;
-inline constexpr CFNumberType kCFNumberDoubleType = 13;
-inline constexpr CFStringEncoding kCFStringEncodingUTF8 = 0x08000100;
-
-enum CFPropertyListFormat : CFIndex {
-    kCFPropertyListOpenStepFormat = 1,
-    kCFPropertyListXMLFormat_v1_0 = 100,
-    kCFPropertyListBinaryFormat_v1_0 = 200,
-};
-enum CFPropertyListMutabilityOptions : CFOptionFlags { kCFPropertyListImmutable = 0 };
 
 void CFRelease(CFTypeRef object);
 CFTypeRef CFRetain(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
-Boolean CFEqual(CFTypeRef one, CFTypeRef other);
 
-CFTypeID CFBooleanGetTypeID();
+extern const CFBooleanRef kCFBooleanTrue;
+extern const CFBooleanRef kCFBooleanFalse;
+CFTypeID CFBooleanGetTypeID(void);
 Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
-CFTypeID CFNumberGetTypeID();
+enum CFNumberType : CFIndex { kCFNumberLongType = 10 };
+CFTypeID CFNumberGetTypeID(void);
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 Boolean CFNumberIsFloatType(CFNumberRef number);
+CFComparisonResult CFNumberCompare(CFNumberRef number, CFNumberRef other, void* context);
 
-CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
-const UInt8* CFDataGetBytePtr(CFDataRef data);
-CFIndex CFDataGetLength(CFDataRef data);
-
-CFTypeID CFDictionaryGetTypeID();
-CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
-                                                 const CFDictionaryKeyCallBacks* keyCallBacks,
-                                                 const CFDictionaryValueCallBacks* valueCallBacks);
-CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
-                                                     CFDictionaryRef dictionary);
-CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
-const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
-void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys, const void** values);
-void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
-void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
-
-CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data, CFOptionFlags options,
-                                               CFPropertyListFormat* format, CFErrorRef* error);
-CFDataRef CFPropertyListCreateData(CFAllocatorRef allocator, CFPropertyListRef list, CFPropertyListFormat format,
-                                   CFOptionFlags options, CFErrorRef* error);
-Boolean CFPropertyListIsValid(CFPropertyListRef list, CFPropertyListFormat format);
-
-CFTypeID CFStringGetTypeID();
-CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex size,
-                                    CFStringEncoding encoding, Boolean isExternalRepresentation);
+CFTypeID CFStringGetTypeID(void);
+CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* characters, CFIndex count);
 CFIndex CFStringGetLength(CFStringRef string);
-CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding, UInt8 lossByte,
-                         Boolean isExternalRepresentation, UInt8* buffer, CFIndex capacity, CFIndex* used);
+void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
 
+extern const CFStringRef kCFPreferencesCurrentUser;
+extern const CFStringRef kCFPreferencesAnyHost;
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
 Boolean CFPreferencesSynchronize(CFStringRef applicationID, CFStringRef user, CFStringRef host);

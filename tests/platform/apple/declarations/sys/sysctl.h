@@ -1,7 +1,16 @@
-// The one declaration of <sys/sysctl.h> that platform/apple/ uses (see CoreFoundation/CoreFoundation.h beside this).
+// The one declaration of <sys/sysctl.h> that platform/apple/ uses. The header includes what Apple's does and no more,
+// so that a source that needs more asks for it itself.
 #pragma once
 
-#include <cstddef>
+#include <sys/time.h>
+#include <sys/types.h>
 
-extern "C" int sysctlbyname(const char* name, void* oldValue, std::size_t* oldSize, void* newValue,
-                            std::size_t newSize);
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+int sysctlbyname(const char* name, void* oldValue, size_t* oldSize, void* newValue, size_t newSize);
+
+#ifdef __cplusplus
+}
+#endif
