@@ -1,6 +1,8 @@
 #import "platform/apple/AppleFiles.h"
 
 #import <Foundation/Foundation.h>
+#include <errno.h>
+#include <sys/stat.h>
 
 #import "platform/cocoa/CocoaText.h"
 
@@ -11,9 +13,42 @@ using cocoa::toUTF8;
 
 namespace {
 
+constexpr unsigned long permissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
+
+NSFileManager *manager() {
+    return [NSFileManager defaultManager];
+}
+
 FileFailure failure(BOOL succeeded, NSError *error) {
     if (succeeded) return std::nullopt;
     return toUTF8([error localizedDescription]);
+}
+
+/// What the system says of an error of its own, an `errno`, and where it is.
+FileFailure refusal(int error, NSString *path) {
+    NSError *refused = [NSError errorWithDomain:NSPOSIXErrorDomain code:error userInfo:nil];
+    return toUTF8([refused localizedDescription]) + ": " + toUTF8(path);
+}
+
+/// What stands at the path itself, links not followed; nil for nothing.
+NSDictionary *attributesAt(NSString *path) {
+    return [manager() attributesOfItemAtPath:path error:nullptr];
+}
+
+FileFailure move(NSString *from, NSString *to) {
+    // Asked whether something is there, it would follow a link.
+    if (attributesAt(to)) return refusal(EEXIST, to);
+    NSError *error = nil;
+    const BOOL moved = [manager() moveItemAtPath:from toPath:to error:&error];
+    return failure(moved, error);
+}
+
+/// Makes the copy at a place where nothing is; a copy that failed may be left there in part.
+FileFailure fill(NSString *original, NSDictionary *itsAttributes, NSString *copy) {
+    NSError *error = nil;
+    if (![manager() copyItemAtPath:original toPath:copy error:&error]) return failure(NO, error);
+    const auto mode = static_cast<mode_t>([itsAttributes filePosixPermissions] & permissionBits);
+    return chmod([copy fileSystemRepresentation], mode) == 0 ? std::nullopt : refusal(errno, copy);
 }
 
 }  // namespace
@@ -31,28 +66,34 @@ std::optional<StringEntries> ApplePropertyLists::dictionaryWithContentsOfFile(co
 }
 
 bool AppleFiles::fileExistsAtPath(const std::string &path) {
-    return [[NSFileManager defaultManager] fileExistsAtPath:toNSString(path)];
+    // A version record can hold any text, which becomes part of a path; the system would read it up to its first zero.
+    if (path.find('\0') != std::string::npos) return false;
+    return [manager() fileExistsAtPath:toNSString(path)];
 }
 
 FileFailure AppleFiles::moveItemAtPath(const std::string &from, const std::string &to) {
-    NSError *error = nil;
-    const BOOL moved = [[NSFileManager defaultManager] moveItemAtPath:toNSString(from)
-                                                               toPath:toNSString(to)
-                                                                error:&error];
-    return failure(moved, error);
+    return move(toNSString(from), toNSString(to));
 }
 
 FileFailure AppleFiles::copyItemAtPath(const std::string &from, const std::string &to) {
-    NSError *error = nil;
-    const BOOL copied = [[NSFileManager defaultManager] copyItemAtPath:toNSString(from)
-                                                                toPath:toNSString(to)
-                                                                 error:&error];
-    return failure(copied, error);
+    NSString *original = [toNSString(from) stringByResolvingSymlinksInPath];
+    NSDictionary *attributes = attributesAt(original);
+    if (attributes && ![[attributes fileType] isEqual:NSFileTypeRegular]) {
+        return refusal([[attributes fileType] isEqual:NSFileTypeDirectory] ? EISDIR : ENODEV, original);
+    }
+    NSString *name = [@".Vantrel-" stringByAppendingString:[[NSProcessInfo processInfo] globallyUniqueString]];
+    NSString *copy = [[toNSString(to) stringByDeletingLastPathComponent] stringByAppendingPathComponent:name];
+    auto failure = fill(original, attributes, copy);
+    if (!failure) failure = move(copy, toNSString(to));
+    if (failure) [manager() removeItemAtPath:copy error:nullptr];
+    return failure;
 }
 
 FileFailure AppleFiles::removeItemAtPath(const std::string &path) {
+    NSString *item = toNSString(path);
+    if ([[attributesAt(item) fileType] isEqual:NSFileTypeDirectory]) return refusal(EISDIR, item);
     NSError *error = nil;
-    const BOOL removed = [[NSFileManager defaultManager] removeItemAtPath:toNSString(path) error:&error];
+    const BOOL removed = [manager() removeItemAtPath:item error:&error];
     return failure(removed, error);
 }
 

@@ -5,34 +5,28 @@
 #include <string>
 
 #include "platform/posix/PosixFiles.h"
+#include "tests/platform/FilesTest.h"
 #include "tests/platform/posix/FaultySystemCalls.h"
 #include "tests/platform/posix/Processes.h"
 #include "tests/platform/posix/TemporaryFolder.h"
+
+namespace vantrel {
+
+Files& filesUnderTest() {
+    static posix::PosixFiles files;
+    return files;
+}
+
+}  // namespace vantrel
 
 namespace vantrel::posix {
 namespace {
 
 using testing::ElementsAre;
 using testing::EndsWith;
-using testing::IsEmpty;
 using testing::Optional;
-using testing::Pair;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
-
-struct stat statusOf(const std::string& path) {
-    struct stat status {};
-    EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
-    return status;
-}
-
-mode_t modeOf(const std::string& path) {
-    return statusOf(path).st_mode & 07777;
-}
-
-bool isLink(const std::string& path) {
-    return S_ISLNK(statusOf(path).st_mode);
-}
 
 /// A folder that holds the file "own" and nothing else, and files whose system calls can be made to fail.
 struct PosixFilesTest : testing::Test {
@@ -56,35 +50,9 @@ struct PosixFilesTest : testing::Test {
 
 using PosixFilesExistence = PosixFilesTest;
 
-TEST_F(PosixFilesExistence, AFileExists) {
-    EXPECT_TRUE(files.fileExistsAtPath(folder / "own"));
-}
-
-TEST_F(PosixFilesExistence, AFolderExists) {
-    EXPECT_TRUE(files.fileExistsAtPath(folder.path));
-}
-
-TEST_F(PosixFilesExistence, ALinkToAFileExists) {
-    makeLink("own", "link");
-    EXPECT_TRUE(files.fileExistsAtPath(folder / "link"));
-}
-
-TEST_F(PosixFilesExistence, ALinkThatLeadsNowhereDoesNotExist) {
-    makeLink("missing", "link");
-    EXPECT_FALSE(files.fileExistsAtPath(folder / "link"));
-}
-
-TEST_F(PosixFilesExistence, AMissingFileDoesNotExist) {
-    EXPECT_FALSE(files.fileExistsAtPath(folder / "missing"));
-}
-
 TEST_F(PosixFilesExistence, WhatMayNotBeLookedAtDoesNotExist) {
     calls.fail("stat", EACCES);
     EXPECT_FALSE(files.fileExistsAtPath(folder / "own"));
-}
-
-TEST_F(PosixFilesExistence, APathThatGoesOnBehindAZeroDoesNotExist) {
-    EXPECT_FALSE(files.fileExistsAtPath((folder / "own") + std::string(1, '\0') + "703.txt"));
 }
 
 // Moving
@@ -96,24 +64,11 @@ TEST_F(PosixFilesMove, IsOneSystemCall) {
     EXPECT_THAT(calls.made(), ElementsAre("renameNoReplace"));
 }
 
-TEST_F(PosixFilesMove, RenamesTheVeryFile) {
-    const auto number = statusOf(folder / "own").st_ino;
-    EXPECT_EQ(files.moveItemAtPath(folder / "own", folder / "saved"), std::nullopt);
-    EXPECT_THAT(folder.names(), UnorderedElementsAre("saved"));
-    EXPECT_EQ(statusOf(folder / "saved").st_ino, number);
-}
-
-TEST_F(PosixFilesMove, TakesALinkAndNotWhatItLeadsTo) {
-    makeLink("own", "link");
-    EXPECT_EQ(files.moveItemAtPath(folder / "link", folder / "saved"), std::nullopt);
-    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "saved"));
-    EXPECT_TRUE(isLink(folder / "saved"));
-}
-
+/// Not in the table of all systems: GNUstep's NSFileManager, on which macOS's files are tested, misses such a link.
 TEST_F(PosixFilesMove, TakesALinkThatLeadsNowhere) {
     makeLink("missing", "link");
     EXPECT_EQ(files.moveItemAtPath(folder / "link", folder / "saved"), std::nullopt);
-    EXPECT_TRUE(isLink(folder / "saved"));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "saved"));
 }
 
 TEST_F(PosixFilesMove, OfAMissingFileFailsAndNamesTheFile) {
@@ -148,7 +103,6 @@ TEST_F(PosixFilesMove, NeverOverwritesALinkThatLeadsNowhere) {
     makeLink("missing", "saved");
     EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "saved"),
                 Optional(couldNotBe("moved", "this already exists: " + (folder / "saved"))));
-    EXPECT_TRUE(isLink(folder / "saved"));
     EXPECT_EQ(folder.read("own"), "its content");
 }
 
@@ -181,28 +135,6 @@ TEST_F(PosixFilesMove, BetweenTwoFoldersWithoutPermissionNamesBoth) {
 
 using PosixFilesCopy = PosixFilesTest;
 
-TEST_F(PosixFilesCopy, HasTheContentAndLeavesTheOriginal) {
-    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
-    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "copy"));
-    EXPECT_EQ(folder.read("copy"), "its content");
-    EXPECT_EQ(folder.read("own"), "its content");
-    EXPECT_NE(statusOf(folder / "copy").st_ino, statusOf(folder / "own").st_ino);
-}
-
-TEST_F(PosixFilesCopy, OfAnEmptyFileIsEmpty) {
-    folder.write("own", "");
-    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
-    EXPECT_EQ(folder.read("copy"), "");
-}
-
-TEST_F(PosixFilesCopy, OfALargeFileIsWhole) {
-    std::string contents;
-    for (int number = 0; contents.size() < 1'000'000; ++number) contents += std::to_string(number) + '\0';
-    folder.write("own", contents);
-    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
-    EXPECT_EQ(folder.read("copy"), contents);
-}
-
 TEST_F(PosixFilesCopy, IsWholeWhenTheSystemMovesAFewBytesAtATime) {
     calls.mostBytesAtOnce = 3;
     EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
@@ -216,37 +148,6 @@ TEST_F(PosixFilesCopy, IsWholeWhenSignalsInterruptIt) {
     calls.failNth("write", 3, EINTR);
     EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
     EXPECT_EQ(folder.read("copy"), "its content");
-}
-
-class PosixFilesCopyMode : public PosixFilesTest, public testing::WithParamInterface<mode_t> {};
-
-TEST_P(PosixFilesCopyMode, IsThatOfTheOriginalWhateverTheMask) {
-    const mode_t mask = umask(077);
-    ASSERT_EQ(chmod((folder / "own").c_str(), GetParam()), 0);
-    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
-    EXPECT_EQ(modeOf(folder / "copy"), GetParam());
-    umask(mask);
-}
-
-INSTANTIATE_TEST_SUITE_P(Modes, PosixFilesCopyMode, testing::Values(0400, 0444, 0600, 0644, 0666, 0755, 0777));
-
-TEST_F(PosixFilesCopy, DoesNotRunAsItsOwner) {
-    ASSERT_EQ(chmod((folder / "own").c_str(), 06755), 0);
-    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
-    EXPECT_EQ(modeOf(folder / "copy"), 0755U);
-}
-
-TEST_F(PosixFilesCopy, OfALinkIsACopyOfWhatItLeadsTo) {
-    makeLink("own", "link");
-    EXPECT_EQ(files.copyItemAtPath(folder / "link", folder / "copy"), std::nullopt);
-    EXPECT_FALSE(isLink(folder / "copy"));
-    EXPECT_EQ(folder.read("copy"), "its content");
-}
-
-TEST_F(PosixFilesCopy, MayHaveTheLongestOfNames) {
-    const std::string name(255, 'n');
-    EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / name), std::nullopt);
-    EXPECT_EQ(folder.read(name), "its content");
 }
 
 TEST_F(PosixFilesCopy, OfAMissingFileFailsAndNamesTheFile) {
@@ -274,7 +175,6 @@ TEST_F(PosixFilesCopy, NeverOverwritesALinkThatLeadsNowhere) {
     EXPECT_THAT(files.copyItemAtPath(folder / "own", folder / "copy"),
                 Optional(couldNotBe("copied", "this already exists: " + (folder / "copy"))));
     EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "copy"));
-    EXPECT_TRUE(isLink(folder / "copy"));
 }
 
 TEST_F(PosixFilesCopy, ToItselfFailsAndKeepsTheFile) {
@@ -374,17 +274,6 @@ TEST_F(PosixFilesCopy, ClosesWhatItOpensHoweverItEnds) {
 // Deleting
 
 using PosixFilesRemoval = PosixFilesTest;
-
-TEST_F(PosixFilesRemoval, TakesTheFileAway) {
-    EXPECT_EQ(files.removeItemAtPath(folder / "own"), std::nullopt);
-    EXPECT_THAT(folder.names(), IsEmpty());
-}
-
-TEST_F(PosixFilesRemoval, TakesALinkAndNotWhatItLeadsTo) {
-    makeLink("own", "link");
-    EXPECT_EQ(files.removeItemAtPath(folder / "link"), std::nullopt);
-    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
-}
 
 TEST_F(PosixFilesRemoval, OfAMissingFileFailsAndNamesIt) {
     EXPECT_THAT(files.removeItemAtPath(folder / "missing"),

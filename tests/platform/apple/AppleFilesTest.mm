@@ -1,0 +1,78 @@
+#import "platform/apple/AppleFiles.h"
+
+#import <Foundation/Foundation.h>
+#include <gmock/gmock.h>
+
+#include "tests/platform/FilesTest.h"
+#include "tests/platform/posix/TemporaryFolder.h"
+
+namespace vantrel {
+
+Files &filesUnderTest() {
+    // Nothing here runs long enough for the pool to be emptied.
+    [[maybe_unused]] static NSAutoreleasePool *const pool = [NSAutoreleasePool new];
+    static apple::AppleFiles files;
+    return files;
+}
+
+}  // namespace vantrel
+
+namespace vantrel::apple {
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::IsEmpty;
+using testing::Optional;
+using testing::Pair;
+
+struct AppleFilesTest : testing::Test {
+    Files &files = filesUnderTest();
+    posix::TemporaryFolder folder;
+};
+
+TEST_F(AppleFilesTest, WhatIsRefusedIsToldWithItsPath) {
+    folder.write("own", "its content");
+    folder.write("saved", "precious");
+    folder.makeFolder("other");
+    EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "saved"), Optional(EndsWith(": " + (folder / "saved"))));
+    EXPECT_THAT(files.copyItemAtPath(folder / "other", folder / "copy"), Optional(EndsWith(": " + (folder / "other"))));
+    EXPECT_THAT(files.removeItemAtPath(folder / "other"), Optional(EndsWith(": " + (folder / "other"))));
+}
+
+// Property lists
+
+struct ApplePropertyListsTest : AppleFilesTest {
+    /// Writes the list and reads it back.
+    std::optional<StringEntries> entriesOf(const std::string &top) {
+        folder.write("list", "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\">" + top + "</plist>");
+        return lists.dictionaryWithContentsOfFile(folder / "list");
+    }
+
+    ApplePropertyLists lists;
+};
+
+TEST_F(ApplePropertyListsTest, ListsStringsAlone) {
+    EXPECT_THAT(entriesOf("<dict><key>array</key><array><string>in it</string></array>"
+                          "<key>flag</key><true/>"
+                          "<key>number</key><integer>703</integer>"
+                          "<key>inner</key><dict><key>text</key><string>in it</string></dict>"
+                          "<key>text</key><string>\u00e9 &amp; \u65e5\u672c</string>"
+                          "<key>empty</key><string></string></dict>"),
+                Optional(ElementsAre(Pair("empty", ""), Pair("text", "\u00e9 & \u65e5\u672c"))));
+}
+
+TEST_F(ApplePropertyListsTest, MayBeEmpty) {
+    EXPECT_THAT(entriesOf("<dict></dict>"), Optional(IsEmpty()));
+}
+
+TEST_F(ApplePropertyListsTest, IsNoneWithoutADictionaryAtTheTop) {
+    EXPECT_EQ(entriesOf("<array><string>7.0.3</string></array>"), std::nullopt);
+}
+
+TEST_F(ApplePropertyListsTest, IsNoneInAMissingFile) {
+    EXPECT_EQ(lists.dictionaryWithContentsOfFile(folder / "missing"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace vantrel::apple
