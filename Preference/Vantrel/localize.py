@@ -1,10 +1,10 @@
-"""Makes of the interface file and the string tables, one a language, what each system looks for in the bundle.
+"""Makes of the interface file and the string tables, one a language, what each system's bundle is made of.
 
     localize.py gnustep OUTPUT VantrelPref.xib en.lproj/Localizable.strings de.lproj/Localizable.strings ...
     localize.py macos   OUTPUT VantrelPref.xib en.lproj/Localizable.strings de.lproj/Localizable.strings ...
 
-GNUstep loads an interface file from the folder of the user's language: OUTPUT gets one for each. macOS loads the one in
-Base.lproj and then replaces its texts from a table: OUTPUT gets that table, VantrelPref.strings, for each language.
+OUTPUT gets a folder for each language, with the interface file in that language and a table of the texts that the pane
+itself asks for.
 
 The text under "fmtRGB8Bit.toolTip" is the tool tip of the object with the id fmtRGB8Bit. What follows a hyphen in an
 id only makes it unique: "fmtRGB8Bit.title" is the title of fmtRGB8Bit-cell, "demosaicVNG.title" that of both
@@ -19,7 +19,6 @@ import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 ATTRIBUTES = ("title", "toolTip")
-MACOS_NAMES = {"title": "title", "toolTip": "ibShadowedToolTip"}
 FOLDER_KEYS = ("KVRXLutsPath", "KVRXOverridePath")  # read by the pane itself
 
 
@@ -84,24 +83,16 @@ def adapt_to_gnustep(interface):
             ElementTree.SubElement(attributes, "userDefinedRuntimeAttribute", type="nil", keyPath="onStateImage")
 
 
-def write_for_gnustep(folder, interface_file, table):
+def write(folder, interface_file, table, adapt):
     interface = ElementTree.parse(interface_file)
     for element, attribute, key in list(texts(interface)):
         element.set(attribute, table[key])
-    adapt_to_gnustep(interface)
+    adapt(interface)
     write_table(folder / "Localizable.strings", folder_texts(table))
     interface.write(folder / interface_file.name, encoding="utf-8", xml_declaration=True)
 
 
-def write_for_macos(folder, interface_file, table):
-    interface = ElementTree.parse(interface_file)
-    entries = {f"{element.get('id')}.{MACOS_NAMES[attribute]}": table[key]
-               for element, attribute, key in texts(interface)}
-    write_table(folder / "Localizable.strings", folder_texts(table))
-    write_table(folder / interface_file.with_suffix(".strings").name, entries)
-
-
-WRITERS = {"gnustep": write_for_gnustep, "macos": write_for_macos}
+ADAPTATIONS = {"gnustep": adapt_to_gnustep, "macos": lambda interface: None}
 
 
 def main(system, output, interface_file, *tables):
@@ -110,10 +101,10 @@ def main(system, output, interface_file, *tables):
     for path in map(Path, tables):
         table = read_table(path)
         check(path, table, wanted)
-        WRITERS[system](Path(output) / path.parent.name, interface_file, table)
+        write(Path(output) / path.parent.name, interface_file, table, ADAPTATIONS[system])
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 5 or sys.argv[1] not in WRITERS:
+    if len(sys.argv) < 5 or sys.argv[1] not in ADAPTATIONS:
         sys.exit(__doc__)
     main(*sys.argv[1:])
