@@ -5,13 +5,14 @@ if(APPLE)
 else()
     set(system GNUstep)
     set(system_libraries vantrel_gnustep vantrel_linux)
-    # Compiled here, so that it can't rot; nothing links it.
-    add_library(macos_services OBJECT SystemServicesApple.mm)
-    target_link_libraries(macos_services PRIVATE vantrel_pane vantrel_cocoa_overrides vantrel_cocoa)
 endif()
 
-add_library(pane MODULE PrincipalClass.mm SystemServices${system}.mm)
-target_link_libraries(pane PRIVATE vantrel_pane vantrel_cocoa_overrides vantrel_cocoa ${system_libraries} preferencepanes)
+# The bundle but for the system's services, which make it a whole.
+add_library(pane_surface OBJECT PaneView.mm PrincipalClass.mm)
+target_link_libraries(pane_surface PUBLIC vantrel_pane vantrel_cocoa_overrides vantrel_cocoa preferencepanes)
+
+add_library(pane MODULE SystemServices${system}.mm)
+target_link_libraries(pane PRIVATE pane_surface ${system_libraries})
 set_target_properties(pane PROPERTIES OUTPUT_NAME Vantrel PREFIX "" SUFFIX "")
 
 if(APPLE)

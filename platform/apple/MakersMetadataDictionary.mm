@@ -26,7 +26,7 @@ bool sameFile(const char *one, const char *other) {
 }  // namespace
 
 Class makersMetadataDictionary() {
-    if (!dlopen(libraryPath, RTLD_LAZY | RTLD_LOCAL)) return Nil;
+    if (!dlopen(libraryPath, RTLD_NOW | RTLD_LOCAL)) return Nil;
     const Class found = NSClassFromString(@"MetadataDictionary");
 
     // The loader prefers a file of the same name in DYLD_LIBRARY_PATH, and another library may have brought a class

@@ -492,6 +492,7 @@ const Flag shownFlags[] = {{"fmtRGB8Bit", "FormatRGB8"},
                            {"_showStereoStatus", "ShowStereoStatusMenu"}};
 
 TEST_F(Bundle, EachCheckBoxShowsItsOwnFlagAndNoOther) {
+    writeDomainFile(completeDomain());
     const Pane pane;
     for (const auto &shown : shownFlags) {
         NSMutableDictionary *domain = completeDomain();
@@ -605,7 +606,7 @@ TEST_F(Bundle, TheChecksOfASetUpTellWhetherTheyWrote) {
 TEST_F(Bundle, OutletsAndSendersMayBeNil) {
     const Replaced runModal("NSAlert", "runModal", runNothing);
     writeDomainFile(completeDomain());
-    NSPreferencePane *pane = [[principalClass() alloc] initWithBundle:[NSBundle bundleWithPath:@BUNDLE_PATH]];
+    NSPreferencePane *pane = [[principalClass() alloc] initWithBundle:bundle()];
     [pane mainViewDidLoad];
     unsigned int count = 0;
     Method *methods = class_copyMethodList(principalClass(), &count);
@@ -625,7 +626,7 @@ TEST_F(Bundle, OutletsAndSendersMayBeNil) {
 
 /// A bundle with nothing in it but its identifier.
 NSBundle *bareBundle() {
-    NSString *path = @HOME_PATH "/Bare.prefPane";
+    NSString *path = [NSString stringWithUTF8String:(home() + "/Bare.prefPane").c_str()];
     [[NSFileManager defaultManager] createDirectoryAtPath:[path stringByAppendingPathComponent:@"Resources"]
                               withIntermediateDirectories:YES
                                                attributes:nil
@@ -697,7 +698,8 @@ TEST_F(Bundle, ANotificationDaemonThatCantBeHadCostsNoException) {
 }  // namespace vantrel::host
 
 int main(int argc, char **argv) {
-    // Its Final Cut Pro is none of the machine's.
+    // Its Final Cut Pro and its maker's library are none of the machine's.
     vantrel::PrivateMachine::enter();
+    if (const char *library = std::getenv("VANTREL_MAKERS_LIBRARY")) vantrel::host::installMakersLibrary(library);
     return vantrel::host::runTests(argc, argv);
 }

@@ -22,7 +22,12 @@ namespace vantrel::host {
 /// Runs the program's tests as a host with a display.
 int runTests(int argc, char **argv);
 
-/// The folder in which this program's preferences and override record live; emptied before each test.
+/// The bundle that is tested, which VANTREL_BUNDLE names.
+std::string bundlePath();
+NSBundle *bundle();
+
+/// The folder of GNUSTEP_CONFIG_FILE, in which this program's preferences and override record live; emptied before each
+/// test.
 std::string home();
 
 /// Starts over: no preferences, no override record.
@@ -41,14 +46,20 @@ void writeDomainFile(NSDictionary *domain);
 /// What is in the override record, likewise.
 std::map<std::string, std::string> overrideRecord();
 
-/// The principal class of the built bundle.
+/// Writes the override record as another program would.
+void writeOverrideRecord(NSDictionary *record);
+
+/// Makes a copy of the file at `path` stand where the maker's library is installed.
+void installMakersLibrary(const std::string &path);
+
+/// The principal class of the bundle.
 Class principalClass();
 
 /// A pane as the settings host makes it: the principal class of the bundle, its view loaded and in a window. Like the
 /// host's, it is never torn down; it only goes off the screen.
 class Pane {
    public:
-    /// Of the built bundle; `resources` is one whose texts and information are used instead.
+    /// Of the bundle; `resources` is one whose texts and information are used instead.
     explicit Pane(NSBundle *resources = nil);
     ~Pane();
     Pane(const Pane &) = delete;

@@ -3,14 +3,30 @@
 #include <gtest/gtest.h>
 #import <objc/runtime.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <stdexcept>
 
 namespace vantrel::host {
 
 namespace {
 
+std::string variableOfTheEnvironment(const char *name) {
+    const char *value = std::getenv(name);
+    if (!value) throw std::runtime_error(std::string("no ") + name);
+    return value;
+}
+
+NSString *inHome(const char *path) {
+    return [NSString stringWithUTF8String:(home() + path).c_str()];
+}
+
 NSString *domainPath() {
-    return @HOME_PATH "/Defaults/com.vantrel.codec.plist";
+    return inHome("/Defaults/com.vantrel.codec.plist");
+}
+
+NSString *overrideRecordPath() {
+    return inHome("/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist");
 }
 
 std::map<std::string, std::string> described(NSDictionary *dictionary) {
@@ -38,13 +54,21 @@ int runTests(int argc, char **argv) {
     return result;
 }
 
+std::string bundlePath() {
+    return variableOfTheEnvironment("VANTREL_BUNDLE");
+}
+
+NSBundle *bundle() {
+    return [NSBundle bundleWithPath:[NSString stringWithUTF8String:bundlePath().c_str()]];
+}
+
 std::string home() {
-    return HOME_PATH;
+    return std::filesystem::path(variableOfTheEnvironment("GNUSTEP_CONFIG_FILE")).parent_path();
 }
 
 void emptyHome() {
     // The pane's store lives as long as the process: what earlier panes wrote and didn't synchronise goes first.
-    id pane = [[principalClass() alloc] initWithBundle:[NSBundle bundleWithPath:@BUNDLE_PATH]];
+    id pane = [[principalClass() alloc] initWithBundle:bundle()];
     [(id<StoreOperations>)pane updateBoolPref:YES forKey:@"flushed"];
     std::filesystem::remove_all(home() + "/Defaults");
     std::filesystem::remove_all(home() + "/Library");
@@ -68,17 +92,26 @@ void writeDomainFile(NSDictionary *domain) {
 }
 
 std::map<std::string, std::string> overrideRecord() {
-    return described([NSDictionary
-        dictionaryWithContentsOfFile:@HOME_PATH "/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist"]);
+    return described([NSDictionary dictionaryWithContentsOfFile:overrideRecordPath()]);
+}
+
+void writeOverrideRecord(NSDictionary *record) {
+    std::filesystem::create_directories([[overrideRecordPath() stringByDeletingLastPathComponent] UTF8String]);
+    writeList(record, overrideRecordPath());
+}
+
+void installMakersLibrary(const std::string &path) {
+    const std::string libraries = "/Library/Application Support/Vantrel/Libs";
+    std::filesystem::create_directories(libraries);
+    std::filesystem::copy_file(path, libraries + "/KVRXMetadataDictionary.dylib");
 }
 
 Class principalClass() {
-    return [[NSBundle bundleWithPath:@BUNDLE_PATH] principalClass];
+    return [bundle() principalClass];
 }
 
 Pane::Pane(NSBundle *resources) {
-    NSBundle *bundle = [NSBundle bundleWithPath:@BUNDLE_PATH];
-    object_ = [[principalClass() alloc] initWithBundle:resources ? resources : bundle];
+    object_ = [[principalClass() alloc] initWithBundle:resources ? resources : bundle()];
     NSView *view = [object_ loadMainView];
     window_ = [[NSWindow alloc] initWithContentRect:[view bounds]
                                           styleMask:NSTitledWindowMask

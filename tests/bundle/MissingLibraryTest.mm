@@ -34,10 +34,10 @@ TEST(MissingLibrary, ThePaneOpensStoresItsSettingsAndLeavesTheControlsOfTheOverr
 /// A copy of the bundle with a library that can't be loaded, so that one that is installed on this machine isn't
 /// found in its place.
 void copyBundle() {
-    fs::remove_all(BUNDLE_PATH);
-    fs::create_directories(fs::path(BUNDLE_PATH).parent_path());
-    fs::copy(BUILT_BUNDLE_PATH, BUNDLE_PATH, fs::copy_options::recursive);
-    std::ofstream(BUNDLE_PATH "/libKVRXMetadataDictionary.so.1", std::ios::trunc).flush();
+    fs::remove_all(bundlePath());
+    fs::create_directories(fs::path(bundlePath()).parent_path());
+    fs::copy(BUILT_BUNDLE_PATH, bundlePath(), fs::copy_options::recursive);
+    std::ofstream(bundlePath() + "/libKVRXMetadataDictionary.so.1", std::ios::trunc).flush();
 }
 
 }  // namespace

@@ -1,0 +1,7 @@
+#import <Foundation/Foundation.h>
+
+@interface MetadataRecord : NSObject
+@end
+
+@implementation MetadataRecord
+@end
