@@ -39,17 +39,13 @@ using PreferenceChange = std::function<std::optional<NewPreferenceValue>(const P
 
 /// The per-user preferences of applications, each under its application ID, as the platform keeps them. Other
 /// processes read and write the same values. A write that can't reach the disk lives on in this process and is tried
-/// again by the next synchronise.
-///
-/// What can't be read is not missing: what was last read stands in for it, and a change is carried out on the value
-/// that the store really holds by the time the change reaches it. So nothing that is stored is ever replaced because it
-/// couldn't be read.
+/// again by the next synchronise. A platform may promise more; its class then says so.
 class Preferences {
 public:
     virtual ~Preferences() = default;
 
-    /// Looks `key` up for the application: first in its own domain, then in the user's global one. Fresh at every
-    /// call: what another process had stored before the call is seen.
+    /// Looks `key` up for the application: first in its own domain, then in the user's global one. What another process
+    /// has stored is seen from this process's next `synchronize` on, if not before.
     virtual PreferenceValue copyAppValue(std::string_view key, std::string_view applicationID) = 0;
 
     /// Stores `value` in the application's own domain for the current user and any host, replacing a value of any

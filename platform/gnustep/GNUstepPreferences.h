@@ -13,6 +13,10 @@ namespace vantrel::gnustep {
 
 /// The preferences as GNUstep keeps them: a property list for each application in the user's defaults folder, named
 /// after its ID, and NSGlobalDomain.plist for all of them. GNUstep's own programs read and write the same files.
+///
+/// Each read is fresh: what another process had stored before is seen. What can't be read is not missing: what was last
+/// read stands in for it, and a change is carried out on the value that the file really holds by the time the change
+/// reaches it. So nothing that is stored is ever replaced because it couldn't be read.
 class GNUstepPreferences : public Preferences {
 public:
     /// `folder` is the defaults folder, an absolute path. It need not exist: the first synchronise makes it.

@@ -176,6 +176,24 @@ TEST_F(ApplePreferencesTest, AWriteIsOneCallForTheApplication) {
     EXPECT_THAT(system.calls, ElementsAre(u"set look of com.vantrel.codec"));
 }
 
+// Changing
+
+TEST_F(ApplePreferencesTest, AChangeStoresWhatItMakesOfTheStoredValueAndReturnsThat) {
+    store(u"MaxEncodeThreads", std::int64_t{3});
+    const auto oneMore = [](const PreferenceValue& stored) { return *std::get<Number>(stored).longValue + 1; };
+    const PreferenceValue found = preferences.updateAppValue("MaxEncodeThreads", oneMore, codec);
+    EXPECT_EQ(std::get<Number>(found).longValue, 3);
+    EXPECT_EQ(stored(u"MaxEncodeThreads"), Content(std::int64_t{4}));
+    EXPECT_THAT(system.calls, ElementsAre(u"copy MaxEncodeThreads of com.vantrel.codec",
+                                          u"set MaxEncodeThreads of com.vantrel.codec"));
+}
+
+TEST_F(ApplePreferencesTest, AChangeThatMakesNothingOfTheStoredValueLeavesIt) {
+    const auto nothing = [](const PreferenceValue&) { return std::nullopt; };
+    EXPECT_TRUE(std::holds_alternative<Absent>(preferences.updateAppValue("look", nothing, codec)));
+    EXPECT_THAT(system.calls, ElementsAre(u"copy look of com.vantrel.codec"));
+}
+
 // Texts
 
 class EachText : public ApplePreferencesTest, public testing::WithParamInterface<std::u16string> {};
