@@ -6,9 +6,9 @@
 OUTPUT gets a folder for each language, with the interface file in that language and a table of the texts that the pane
 itself asks for.
 
-The text under "fmtRGB8Bit.toolTip" is the tool tip of the object with the id fmtRGB8Bit. What follows a hyphen in an
-id only makes it unique: "fmtRGB8Bit.title" is the title of fmtRGB8Bit-cell, "demosaicVNG.title" that of both
-demosaicVNG-presentationDemosaic and demosaicVNG-renderDemosaic. A title without a letter is nobody's language.
+The text under "fmtRGB8Bit.toolTip" is the tool tip of the object that Xcode shows as fmtRGB8Bit (its userLabel),
+"fmtRGB8Bit.title" its own title or that of the cell in it. Objects of the same label, like the two "demosaicVNG", share
+a text. A title without a letter is nobody's language.
 
 A key that is missing in a table, or that nothing asks for, ends the program with status 1 and a line for each.
 """
@@ -51,10 +51,16 @@ def escaped(text):
 
 def texts(interface):
     """Every text of the interface that people read: its element, attribute and key."""
-    for element in interface.iter():
-        for attribute in ATTRIBUTES:
-            if re.search(r"[^\W\d_]", element.get(attribute, "")):
-                yield element, attribute, f"{element.get('id').split('-')[0]}.{attribute}"
+    return texts_in(interface.getroot(), None)
+
+
+def texts_in(element, label):
+    label = element.get("userLabel", label)
+    for attribute in ATTRIBUTES:
+        if re.search(r"[^\W\d_]", element.get(attribute, "")):
+            yield element, attribute, f"{label}.{attribute}"
+    for child in element:
+        yield from texts_in(child, label)
 
 
 def check(path, table, wanted):
@@ -70,7 +76,16 @@ def folder_texts(table):
 
 
 def adapt_to_gnustep(interface):
-    """Gives the pop-ups and buttons the look that GNUstep's own have."""
+    """Says what GNUstep takes for granted in another way, and gives pop-ups and buttons the look of its own."""
+    for element in list(interface.iter()):
+        for connection in element.findall("accessibilityConnection"):
+            element.remove(connection)
+    for box in interface.iter("box"):
+        ElementTree.SubElement(box, "size", key="contentViewMargins", width="0.0", height="0.0")
+    for cell in (*interface.iter("textFieldCell"), *interface.iterfind(".//column/buttonCell")):
+        cell.set("editable", cell.get("editable", "NO"))
+    for menu in interface.iter("menu"):
+        menu.set("title", "")  # without one, it opens in a window of any size
     for cell in interface.iter():
         if cell.get("bezelStyle") == "rounded":
             del cell.attrib["bezelStyle"]  # which it draws as a pill

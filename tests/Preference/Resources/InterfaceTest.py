@@ -47,28 +47,37 @@ ACTIONS = {
     "_showStereoStatus": "stereoModeStatusViewChange:",
 }
 FIELDS = ("_LUTsPath", "_overridePath")
+UNTITLED = ("matrix", "popUpButton", "textField")
 FOLDER_BUTTONS = ("_LUTsOK", "_LUTsUndo", "_overrideOK", "_overrideUndo")
 
 
 class Interface(unittest.TestCase):
     def setUp(self):
         self.root = ElementTree.parse(INTERFACE_FILE).getroot()
-        self.objects = {element.get("id"): element for element in self.root.iter() if element.get("id")}
-        self.outlets = {outlet.get("property"): outlet.get("destination")
-                        for outlet in self.objects["-2"].iter("outlet")}
+        # Objects by the names that people see in Xcode; several may share one.
+        self.objects = {element.get("userLabel"): element for element in self.root.iter() if element.get("userLabel")}
+        self.names = {element.get("id"): element.get("userLabel") for element in self.root.iter() if element.get("id")}
+        self.outlets = self.connected(self.objects["File's Owner"], "outlet")
+
+    def connected(self, element, kind):
+        """What the element's connections of that kind lead to, by property or selector."""
+        return {connection.get("property", connection.get("selector")):
+                self.names[connection.get("destination", connection.get("target"))]
+                for connection in element.findall(f"connections/{kind}")}
 
     def controls(self):
         """Everything that the user can change."""
         fields = [self.objects[field] for field in FIELDS]
         return [element for element in self.root.iter() if element.tag in CONTROLS] + fields
 
-    def connected(self, control, kind, name):
-        """What the control's connections of that kind hold under that name."""
-        return [connection.get(name) for connection in control.findall(f"connections/{kind}")]
-
     def test_no_two_objects_have_the_same_id(self):
         ids = [element.get("id") for element in self.root.iter() if element.get("id")]
         self.assertEqual(len(ids), len(set(ids)))
+
+    def test_ids_have_the_form_that_xcode_gives_them(self):
+        for element in self.root.iter():
+            if element.get("id"):
+                self.assertRegex(element.get("id"), r"^(-[123]|[0-9A-Za-z]{3}-[0-9A-Za-z]{2}-[0-9A-Za-z]{3})$")
 
     def test_every_control_of_the_class_is_an_outlet_of_its_own_name(self):
         header = (PREFERENCE / "PrincipalClass.h").read_text(encoding="utf-8")
@@ -80,15 +89,15 @@ class Interface(unittest.TestCase):
                 self.assertIn(name, self.objects)
 
     def test_the_window_and_the_ends_of_the_keyboard_order_are_outlets(self):
-        self.assertEqual(self.objects[self.outlets["_window"]].tag, "window")
+        window = self.objects["File's Owner"].find("connections/outlet[@property='_window']").get("destination")
+        self.assertEqual([element.get("id") for element in self.root.iter("window")], [window])
         for name in ("_firstKeyView", "_initialKeyView", "_lastKeyView"):
             self.assertIn(self.outlets[name], self.objects)
 
     def test_every_control_sends_its_action_to_the_pane(self):
         for name, selector in ACTIONS.items():
             with self.subTest(name):
-                self.assertEqual(self.connected(self.objects[name], "action", "selector"), [selector])
-                self.assertEqual(self.connected(self.objects[name], "action", "target"), ["-2"])
+                self.assertEqual(self.connected(self.objects[name], "action"), {selector: "File's Owner"})
 
     def test_no_control_is_without_an_action_of_its_own(self):
         actions = [action.get("selector") for action in self.root.iter("action")]
@@ -97,47 +106,46 @@ class Interface(unittest.TestCase):
     def test_the_pane_is_the_delegate_of_both_fields(self):
         for name in FIELDS:
             with self.subTest(name):
-                delegates = [outlet.get("destination") for outlet in self.objects[name].iter("outlet")
-                             if outlet.get("property") == "delegate"]
-                self.assertEqual(delegates, ["-2"])
+                self.assertEqual(self.connected(self.objects[name], "outlet")["delegate"], "File's Owner")
 
     def test_only_the_folder_buttons_are_disabled(self):
-        disabled = [element.get("id").split("-")[1] for element in self.root.iter() if element.get("enabled") == "NO"]
+        disabled = [control.get("userLabel") for control in self.controls()
+                    if any(element.get("enabled") == "NO" for element in control.iter())]
         self.assertCountEqual(disabled, FOLDER_BUTTONS)
+
+    def test_a_control_without_a_title_of_its_own_is_tied_to_its_label(self):
+        untitled = [name for name in self.outlets.values() if name and self.objects[name].tag in UNTITLED]
+        self.assertEqual(len(untitled), 9)
+        for name in untitled:
+            with self.subTest(name):
+                label = self.connected(self.objects[name], "accessibilityConnection")["title"]
+                self.assertIn(label, (f"{name}Label", f"{name.strip('_').removesuffix('Path').removesuffix('Number')}Label"))
+                self.assertEqual(self.objects[label].tag, "textField")
 
     def test_every_control_has_a_tool_tip(self):
         for control in self.controls():
-            with self.subTest(control.get("id")):
+            with self.subTest(control.get("userLabel")):
                 self.assertTrue(control.get("toolTip"))
 
     def test_every_font_has_a_size(self):
         for font in self.root.iter("font"):
             self.assertGreaterEqual(float(font.get("size", 0)), 10)
 
-    def test_every_menu_has_a_title(self):
-        # GNUstep opens a pop-up whose menu has none with a window of any size.
-        for menu in self.root.iter("menu"):
-            self.assertIsNotNone(menu.get("title"))
-
     def test_tab_goes_through_all_controls_from_the_top_left_to_the_bottom_right(self):
         first = self.outlets["_initialKeyView"]
         order, name = [], first
         while name not in order:
             order.append(name)
-            following = [outlet.get("destination") for outlet in self.objects[name].findall("connections/outlet")
-                         if outlet.get("property") == "nextKeyView"]
-            self.assertEqual(len(following), 1, name)
-            name = following[0]
+            name = self.connected(self.objects[name], "outlet")["nextKeyView"]
         self.assertEqual(name, first)
         self.assertEqual(order[-1], self.outlets["_lastKeyView"])
-        self.assertCountEqual(order, [control.get("id") for control in self.controls()])
+        self.assertCountEqual(order, [control.get("userLabel") for control in self.controls()])
         self.assertEqual(order, sorted(order, key=self.reading_place))
 
     def reading_place(self, name):
         """Where the eye meets a control: its group, its row in there, its place in the row."""
-        groups = [box.get("id") for box in self.root.iter("box")]
-        group = next(number for number, box in enumerate(groups)
-                     if any(element.get("id") == name for element in self.objects[box].iter()))
+        group = next(number for number, box in enumerate(self.root.iter("box"))
+                     if any(element.get("userLabel") == name for element in box.iter()))
         frame = self.objects[name].find("rect[@key='frame']")
         top = float(frame.get("y")) + float(frame.get("height"))
         return group, -round(top / 10), float(frame.get("x"))
@@ -264,6 +272,24 @@ class Localizer(unittest.TestCase):
                     found = {key: element.get(attribute) for element, attribute, key in localize.texts(interface)}
                     self.assertEqual(found, {key: text for key, text in table.items() if key in found})
                     self.assertEqual(len(found) + len(localize.FOLDER_KEYS), len(table))
+
+    def test_gnustep_is_told_what_it_takes_for_granted_in_another_way(self):
+        self.run_localize("gnustep", self.table("en"))
+        interface = ElementTree.parse(self.output / "en.lproj" / "VantrelPref.xib")
+        # A pop-up whose menu has no title opens in a window of any size.
+        self.assertEqual({menu.get("title") for menu in interface.iter("menu")}, {""})
+        # A label without the attribute can be typed into.
+        editable = [cell.get("editable") for cell in interface.iter("textFieldCell")]
+        self.assertEqual((editable.count("YES"), editable.count("NO")), (2, 10))
+        for box in interface.iter("box"):
+            self.assertEqual(box.find("size[@key='contentViewMargins']").get("width"), "0.0")
+        self.assertEqual(list(interface.iter("accessibilityConnection")), [])
+
+    def test_macos_gets_the_interface_file_as_xcode_has_it_but_for_the_texts(self):
+        self.run_localize("macos", self.table("en"))
+        given = ElementTree.parse(self.output / "en.lproj" / "VantrelPref.xib")
+        self.assertEqual(ElementTree.tostring(given.getroot()),
+                         ElementTree.tostring(ElementTree.parse(INTERFACE_FILE).getroot()))
 
     def test_every_system_gets_the_default_folders_with_a_byte_order_mark(self):
         for system in ("gnustep", "macos"):
