@@ -66,9 +66,12 @@ std::optional<StringEntries> ApplePropertyLists::dictionaryWithContentsOfFile(co
 }
 
 bool AppleFiles::fileExistsAtPath(const std::string &path) {
-    // A version record can hold any text, which becomes part of a path; the system would read it up to its first zero.
-    if (path.find('\0') != std::string::npos) return false;
-    return [manager() fileExistsAtPath:toNSString(path)];
+    // A version record can hold any text, which becomes part of a path; the system would read it up to its first zero,
+    // and has no form for half a surrogate pair.
+    NSString *item = toNSString(path);
+    const bool canBeAPath =
+        path.find('\0') == std::string::npos && [item canBeConvertedToEncoding:NSUTF8StringEncoding];
+    return canBeAPath && [manager() fileExistsAtPath:item];
 }
 
 FileFailure AppleFiles::moveItemAtPath(const std::string &from, const std::string &to) {

@@ -4,11 +4,32 @@
 
 namespace vantrel::cocoa {
 
+namespace {
+
 static_assert(sizeof(unichar) == sizeof(char16_t));
+
+NSString *stringWithUnits(std::u16string_view units) {
+    return [NSString stringWithCharacters:reinterpret_cast<const unichar *>(units.data()) length:units.size()];
+}
+
+/// The half of a surrogate pair, or any other unit, as a part of a string that GNUstep makes.
+NSString *stringWithUnit(char16_t unit) {
+    const bool isHigh = unit >= 0xD800 && unit <= 0xDBFF;
+    const bool isLow = unit >= 0xDC00 && unit <= 0xDFFF;
+    if (isHigh) return [stringWithUnits(std::u16string{unit, 0xDC00}) substringToIndex:1];
+    if (isLow) return [stringWithUnits(std::u16string{0xD800, unit}) substringFromIndex:1];
+    return stringWithUnits({&unit, 1});
+}
+
+}  // namespace
 
 NSString *toNSString(std::string_view text) {
     const std::u16string units = text::toUTF16(text);
-    return [NSString stringWithCharacters:reinterpret_cast<const unichar *>(units.data()) length:units.size()];
+    if (NSString *string = stringWithUnits(units)) return string;
+    // GNUstep makes no string with half a surrogate pair in it, but keeps one that comes to have it.
+    NSMutableString *string = [NSMutableString string];
+    for (const char16_t unit : units) [string appendString:stringWithUnit(unit)];
+    return [[string copy] autorelease];
 }
 
 std::string toUTF8(NSString *string) {

@@ -12,12 +12,14 @@
 #include <optional>
 
 #include "platform/gnustep/XMLCharacters.h"
+#include "platform/text/UTF16.h"
 
 namespace vantrel::gnustep {
 namespace {
 
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 constexpr std::size_t escapeLength = 6;
+constexpr std::size_t halfLength = 3;
 
 bool isHigh(int unit) {
     return unit >= 0xD800 && unit <= 0xDBFF;
@@ -44,6 +46,13 @@ std::optional<int> characterAt(std::string_view text) {
     if (!isOneThatXMLCantHold(character) && !xmlIsCharQ(character)) return std::nullopt;
     // libxml2 reads what is written with too many bytes.
     return text.starts_with(inUTF8(character)) ? std::optional(character) : std::nullopt;
+}
+
+/// The half of a surrogate pair at the start of `text`, as platform/text/UTF16.h has it; nothing when none is there.
+std::optional<int> halfAt(std::string_view text) {
+    const auto units = text::toUTF16(text.substr(0, halfLength));
+    const bool isOne = units.size() == 1 && (isHigh(units.front()) || isLow(units.front()));
+    return isOne ? std::optional<int>(units.front()) : std::nullopt;
 }
 
 /// The UTF-16 unit that the escape at the start of `text` stands for; nothing when no escape is there.
@@ -83,8 +92,9 @@ std::string read(std::string_view text, bool onlyPairs) {
         if (const auto pair = escapedPair(text)) {
             plain += inUTF8(*pair);
             length = 2 * escapeLength;
-        } else if (const auto unit = escapedUnit(text); unit && !isHigh(*unit) && !isLow(*unit) && !onlyPairs) {
-            plain += inUTF8(*unit);
+        } else if (const auto unit = escapedUnit(text); unit && !onlyPairs) {
+            const auto single = static_cast<char16_t>(*unit);
+            plain += text::fromUTF16({&single, 1});
         } else {
             length = 2;
             plain += text.substr(0, length);
@@ -100,11 +110,12 @@ std::string withEscapes(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
     while (!text.empty()) {
-        const auto character = characterAt(text);
-        const auto length = character ? inUTF8(*character).size() : 1;
+        const auto plain = characterAt(text);
+        const auto character = plain ? plain : halfAt(text);
+        const auto length = plain ? inUTF8(*plain).size() : character ? halfLength : 1;
         if (!character) {
             escaped += replacementCharacter;
-        } else if (isOneThatXMLCantHold(*character) || escapedUnit(text)) {
+        } else if (!plain || isOneThatXMLCantHold(*character) || escapedUnit(text)) {
             escaped += escape(*character);
         } else {
             escaped += text.substr(0, length);

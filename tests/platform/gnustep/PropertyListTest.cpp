@@ -160,13 +160,17 @@ TEST(PropertyListRead, ATextComesWithoutGNUstepsEscapes) {
     EXPECT_EQ(readOf("<string>\\U005CU0041</string>"), "text \"\\U0041\"");
 }
 
+TEST(PropertyListRead, HalfASurrogatePairIsReadAsTheTextThatHasIt) {
+    EXPECT_EQ(readOf("<string>\\UD83D</string>"), "text \"\xED\xA0\xBD\"");
+    EXPECT_EQ(readOf("<string>\\UDE00\\UD83D</string>"), "text \"\xED\xB8\x80\xED\xA0\xBD\"");
+    EXPECT_EQ(readOf("<string>\\UD83D\\U0041x</string>"),
+              "text \"\xED\xA0\xBD"
+              "Ax\"");
+}
+
 TEST(PropertyListRead, WhatOnlyLooksLikeAnEscapeStays) {
-    for (const auto* text : {"\\U", "\\U004", "\\U00g1", "C:\\Users", "\\UD83D", "\\UDE00\\UD83D", "\\UD83D\\U0041x"}) {
-        if (text == "\\UD83D\\U0041x"s) {
-            EXPECT_EQ(readOf("<string>"s + text + "</string>"), "text \"\\UD83DAx\"");
-        } else {
-            EXPECT_EQ(readOf("<string>"s + text + "</string>"), "text \""s + text + '"');
-        }
+    for (const auto* text : {"\\U", "\\U004", "\\U00g1", "C:\\Users"}) {
+        EXPECT_EQ(readOf("<string>"s + text + "</string>"), "text \""s + text + '"');
     }
 }
 
@@ -377,6 +381,7 @@ TEST(PropertyListChange, EveryTextSurvivesTheFile) {
                                  "\\U005CU0041",
                                  "]]> <!-- <![CDATA[",
                                  "\x01\x1B\x7F"s,
+                                 "\xED\xA0\xBD half \xED\xB8\x80",
                                  "a\0b"s};
     for (const auto& text : texts) {
         PropertyList list;
@@ -394,11 +399,12 @@ TEST(PropertyListChange, ATextIsWrittenSoThatEveryReaderGetsIt) {
     EXPECT_EQ(xmlFromText("a\rb"), "a&#13;b");
     EXPECT_EQ(xmlFromText("\\U0041\x01"), "\\U005CU0041\\U0001");
     EXPECT_EQ(xmlFromText("😀<&"), "😀&lt;&amp;");
+    EXPECT_EQ(xmlFromText("\xED\xA0\xBD-\xED\xB8\x80"), "\\UD83D-\\UDE00");
 }
 
 TEST(PropertyListChange, BytesThatAreNoTextBecomeReplacementCharacters) {
     EXPECT_EQ(xmlFromText("a\xFF\xC3"), "a\xEF\xBF\xBD\xEF\xBF\xBD");
-    for (const auto* bytes : {"\xC1\xBF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80"}) {
+    for (const auto* bytes : {"\xC1\xBF", "\xE0\x80\x80", "\xF4\x90\x80\x80", "\x80"}) {
         EXPECT_THAT(xmlFromText(bytes), testing::StartsWith("\xEF\xBF\xBD")) << bytes;
     }
     PropertyList list;
