@@ -28,6 +28,7 @@ const Text texts[] = {
     {{"AHighHalf"}, "a\xED\xA0\x80z", u"a\xD800z"},
     {{"ALowHalf"}, "\xED\xBF\xBF", u"\xDFFF"},
     {{"AHighHalfAtTheEnd"}, "a\xED\xAF\xBF", u"a\xDBFF"},
+    {{"AHighHalfWhoseOtherIsBehindTheEnd"}, "\xED\xA0\x80", {u"\xD800\xDC00", 1}},
     {{"HalvesInTheWrongOrder"}, "\xED\xB0\x80\xED\xA0\x80", u"\xDC00\xD800"},
     {{"AHalfBeforeAPair"}, "\xED\xA0\x80\xF0\x90\x80\x80", u"\xD800\xD800\xDC00"},
 };
