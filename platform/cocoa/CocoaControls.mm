@@ -5,7 +5,16 @@
 namespace vantrel::cocoa {
 
 void CocoaPopUpButton::addItemWithTitle(std::string_view title) {
+#ifdef GNUSTEP
+    // GNUstep's own puts an item into the menu and then changes it four times, and the menu measures itself each time.
+    NSMenuItem *item = [[NSMenuItem alloc] initWithTitle:toNSString(title) action:nullptr keyEquivalent:@""];
+    [item setOnStateImage:nil];
+    [item setMixedStateImage:nil];
+    [[button_ menu] addItem:item];
+    [item release];
+#else
     [button_ addItemWithTitle:toNSString(title)];
+#endif
 }
 
 std::string CocoaTextField::stringValue() const {
