@@ -1,6 +1,6 @@
-# gnustep_home(name): sets `name` to a folder of the calling test's own, with a configuration file GNUstep.conf that
-# makes GNUstep keep a user's Defaults and Library there. GNUstep ignores $HOME; a test names this file in
-# GNUSTEP_CONFIG_FILE so that it never touches the real home.
+# gnustep_home(name): sets `name` to a folder of the caller's own, with a configuration file GNUstep.conf that makes
+# GNUstep keep a user's Defaults and Library there. GNUstep ignores $HOME; a program that is run with this file in
+# GNUSTEP_CONFIG_FILE never touches the real home.
 function(gnustep_home name)
     set(home ${CMAKE_CURRENT_BINARY_DIR}/${name})
     file(READ /etc/GNUstep/GNUstep.conf system_configuration)

@@ -21,6 +21,7 @@ if(APPLE)
                           LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
     set(bundle_resources ${PROJECT_BINARY_DIR}/Vantrel.prefPane/Contents/Resources)
 else()
+    target_sources(pane_surface PRIVATE StandardImages.mm)
     # The host loads many bundles into one process: nothing of ours may be seen outside but the class, which the
     # Objective-C runtime finds without a symbol.
     target_link_options(pane PRIVATE -Wl,--exclude-libs,ALL -Wl,--no-undefined)

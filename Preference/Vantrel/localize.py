@@ -76,7 +76,9 @@ def folder_texts(table):
 
 
 def adapt_to_gnustep(interface):
-    """Says what GNUstep takes for granted in another way, and gives pop-ups and buttons the look of its own."""
+    """Says what GNUstep takes for granted in another way, and gives window and buttons what is its own."""
+    for window in interface.iter("window"):
+        window.set("customClass", "VantrelPaneWindow")
     for element in list(interface.iter()):
         for connection in element.findall("accessibilityConnection"):
             element.remove(connection)
@@ -89,13 +91,6 @@ def adapt_to_gnustep(interface):
     for cell in interface.iter():
         if cell.get("bezelStyle") == "rounded":
             del cell.attrib["bezelStyle"]  # which it draws as a pill
-    for cell in interface.iter("popUpButtonCell"):
-        # The tick beside the chosen item would be drawn in the closed button, too, and indent its title.
-        cell.set("altersStateOfSelectedItem", "NO")
-        for item in cell.iter("menuItem"):
-            item.attrib.pop("state", None)
-            attributes = ElementTree.SubElement(item, "userDefinedRuntimeAttributes")
-            ElementTree.SubElement(attributes, "userDefinedRuntimeAttribute", type="nil", keyPath="onStateImage")
 
 
 def write(folder, interface_file, table, adapt):

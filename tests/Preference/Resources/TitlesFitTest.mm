@@ -26,7 +26,7 @@ class TitlesFit : public testing::TestWithParam<const char *> {
     TitlesFit() {
         [NSApplication sharedApplication];
         pane_ = [[[bundle() principalClass] alloc] initWithBundle:bundle()];
-        NSString *file = resource(@"VantrelPref", @"xib");
+        NSString *file = resource(@"VantrelPref", @"gorm");
         EXPECT_TRUE([NSBundle loadNibFile:file
                         externalNameTable:[NSDictionary dictionaryWithObject:pane_ forKey:NSNibOwner]
                                  withZone:nullptr]);

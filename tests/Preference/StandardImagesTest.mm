@@ -1,0 +1,157 @@
+#import "Preference/Vantrel/StandardImages.h"
+
+#import <AppKit/AppKit.h>
+#import <GNUstepGUI/GSTheme.h>
+#import <PreferencePanes/PreferencePanes.h>
+#include <gmock/gmock.h>
+#import <objc/runtime.h>
+
+#include <string>
+#include <vector>
+
+namespace vantrel {
+namespace {
+
+using testing::IsEmpty;
+
+/// The names by which AppKit asks for the images of what is in the pane.
+const char *const names[] = {"NSSwitch",         "NSHighlightedSwitch", "NSRadioButton",    "NSHighlightedRadioButton",
+                             "NSMenuArrow",      "NSMenuCheckmark",     "NSMenuMixedState", "common_3DArrowDown",
+                             "common_3DArrowUp", "common_3DArrowLeft",  "common_Nibble",    "common_ret"};
+
+NSImage *imageNamed(const char *name) {
+    return [NSImage imageNamed:[NSString stringWithUTF8String:name]];
+}
+
+std::string fileOf(NSImage *image) {
+    return [object_getIvar(image, class_getInstanceVariable([NSImage class], "_fileName")) UTF8String];
+}
+
+/// What GNUstep has searched for through files.
+std::vector<std::string> searched;
+IMP search;
+
+id searchAndTell(id bundle, SEL selector, NSString *name) {
+    searched.emplace_back([name UTF8String]);
+    return reinterpret_cast<id (*)(id, SEL, NSString *)>(search)(bundle, selector, name);
+}
+
+/// Writes an image of a size that no standard image has, and returns its file.
+constexpr CGFloat unusualSize = 31;
+
+NSImage *unusualImage() {
+    NSBitmapImageRep *bitmap = [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
+                                                                        pixelsWide:unusualSize
+                                                                        pixelsHigh:unusualSize
+                                                                     bitsPerSample:8
+                                                                   samplesPerPixel:3
+                                                                          hasAlpha:NO
+                                                                          isPlanar:NO
+                                                                    colorSpaceName:NSCalibratedRGBColorSpace
+                                                                       bytesPerRow:0
+                                                                      bitsPerPixel:0] autorelease];
+    NSImage *image = [[[NSImage alloc] initWithSize:NSMakeSize(unusualSize, unusualSize)] autorelease];
+    [image addRepresentation:bitmap];
+    return image;
+}
+
+/// A theme that has nothing but an unusual image of an empty check box.
+GSTheme *themeWithImage() {
+    NSString *images = @HOME_PATH "/Library/Themes/Unusual.theme/Resources/ThemeImages";
+    [[NSFileManager defaultManager] createDirectoryAtPath:images
+                              withIntermediateDirectories:YES
+                                               attributes:nil
+                                                    error:nullptr];
+    [[unusualImage() TIFFRepresentation] writeToFile:[images stringByAppendingPathComponent:@"common_SwitchOff.tiff"]
+                                          atomically:YES];
+    GSTheme *theme = [GSTheme loadThemeNamed:@"Unusual"];
+    EXPECT_NE(theme, nil);
+    return theme;
+}
+
+/// Each test starts without the images.
+class StandardImages : public testing::Test {
+   protected:
+    StandardImages() {
+        for (const char *name : names) [imageNamed(name) setName:nil];
+        Method method = class_getInstanceMethod([NSBundle class], @selector(pathForImageResource:));
+        search = method_setImplementation(method, reinterpret_cast<IMP>(searchAndTell));
+        searched.clear();
+    }
+
+    ~StandardImages() override {
+        [GSTheme setTheme:nil];
+        method_setImplementation(class_getInstanceMethod([NSBundle class], @selector(pathForImageResource:)), search);
+        [pool_ release];
+    }
+
+   private:
+    NSAutoreleasePool *pool_ = [NSAutoreleasePool new];
+};
+
+TEST_F(StandardImages, AreFoundWithoutASearch) {
+    registerStandardImages();
+    for (const char *name : names) EXPECT_NE(imageNamed(name), nil) << name;
+    EXPECT_THAT(searched, IsEmpty());
+}
+
+TEST_F(StandardImages, AreThoseThatGNUstepFinds) {
+    std::vector<std::string> found;
+    for (const char *name : names) {
+        found.push_back(fileOf(imageNamed(name)));
+        [imageNamed(name) setName:nil];
+    }
+    registerStandardImages();
+    for (std::size_t i = 0; i < std::size(names); ++i) EXPECT_EQ(fileOf(imageNamed(names[i])), found[i]) << names[i];
+}
+
+TEST_F(StandardImages, LeaveANameToTheImageThatHasIt) {
+    NSImage *image = unusualImage();
+    ASSERT_TRUE([image setName:@"GSSwitch"]);
+    registerStandardImages();
+    EXPECT_EQ(imageNamed("NSSwitch"), image);
+    [image setName:nil];
+}
+
+TEST_F(StandardImages, LeaveANameToTheTheme) {
+    [GSTheme setTheme:themeWithImage()];
+    registerStandardImages();
+    EXPECT_EQ([imageNamed("NSSwitch") size].width, unusualSize);
+    EXPECT_NE([imageNamed("NSHighlightedSwitch") size].width, unusualSize);
+}
+
+TEST_F(StandardImages, GiveWayToAThemeThatIsChosenLater) {
+    registerStandardImages();
+    const CGFloat usualSize = [imageNamed("NSSwitch") size].width;
+    [GSTheme setTheme:themeWithImage()];
+    EXPECT_EQ([imageNamed("NSSwitch") size].width, unusualSize);
+    [GSTheme setTheme:nil];
+    EXPECT_EQ([imageNamed("NSSwitch") size].width, usualSize);
+}
+
+TEST_F(StandardImages, SpareTheOpeningOfThePaneEverySearch) {
+    NSBundle *bundle = [NSBundle bundleWithPath:@BUNDLE_PATH];
+    NSPreferencePane *pane = [[[bundle principalClass] alloc] initWithBundle:bundle];
+    NSView *view = [pane loadMainView];
+    ASSERT_NE(view, nil);
+    NSWindow *window = [[NSWindow alloc] initWithContentRect:[view bounds]
+                                                   styleMask:NSTitledWindowMask
+                                                     backing:NSBackingStoreBuffered
+                                                       defer:NO];
+    [window setReleasedWhenClosed:NO];
+    [[window contentView] addSubview:view];
+    [window display];
+    EXPECT_THAT(searched, IsEmpty());
+}
+
+}  // namespace
+}  // namespace vantrel
+
+int main(int argc, char **argv) {
+    testing::InitGoogleTest(&argc, argv);
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    [NSApplication sharedApplication];
+    const int result = RUN_ALL_TESTS();
+    [pool release];
+    return result;
+}
