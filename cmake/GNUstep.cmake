@@ -21,6 +21,9 @@ add_library(appkit INTERFACE)
 target_compile_options(appkit INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:${objc_flags}>")
 target_include_directories(appkit SYSTEM INTERFACE ${gnustep_includes})
 target_link_libraries(appkit INTERFACE ${gui_libs})
+# This header of AppKit's defines a function for each PostScript operator. g++ would put the hundred selectors that they
+# send into every file, used or not, and with them most of a bundle's relocations.
+target_compile_definitions(appkit INTERFACE $<$<COMPILE_LANGUAGE:OBJCXX>:_PSOperators_h_INCLUDE>)
 
 # clang doesn't look where gcc keeps the headers of the Objective-C runtime that both share.
 if(CMAKE_OBJCXX_COMPILER_ID MATCHES Clang)

@@ -22,7 +22,7 @@ mkdir -p "$build" "$tree/sources" "$tree/build"
 mount --bind "$sources" "$tree/sources"
 mount -o remount,bind,ro "$tree/sources"
 mount --bind "$build" "$tree/build"
-in_tree cmake -G Ninja -S /sources -B /build -D CMAKE_CXX_COMPILER=g++ -D CMAKE_BUILD_TYPE=RelWithDebInfo
+in_tree cmake -G Ninja -S /sources -B /build -D CMAKE_CXX_COMPILER=g++ -D CMAKE_BUILD_TYPE=MinSizeRel
 in_tree cmake --build /build --target pane posix_tests gnustep_tests linux_tests override_record_tests
 for room in posix gnustep linux; do
     in_tree "/build/tests/platform/$room/${room}_tests" --gtest_brief=1

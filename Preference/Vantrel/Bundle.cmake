@@ -24,7 +24,7 @@ else()
     target_sources(pane_surface PRIVATE StandardImages.mm)
     # The host loads many bundles into one process: nothing of ours may be seen outside but the class, which the
     # Objective-C runtime finds without a symbol.
-    target_link_options(pane PRIVATE -Wl,--exclude-libs,ALL -Wl,--no-undefined)
+    target_link_libraries(pane PRIVATE vantrel_loadable)
     # The bundle that is built carries the library KVRXMetadataDictionary, wherever it is copied. The one that is
     # packaged finds the library's own package.
     set(bundle ${PROJECT_BINARY_DIR}/Vantrel.prefPane)
