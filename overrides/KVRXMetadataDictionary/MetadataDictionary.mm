@@ -8,6 +8,7 @@
 
 using vantrel::OverrideRecord;
 using vantrel::gnustep::PropertyList;
+using vantrel::gnustep::PropertyListChanges;
 
 namespace {
 
@@ -20,7 +21,7 @@ OverrideRecord &record() {
 /// The entries as Foundation's objects; nil when it raises an exception over them. Containers can't be changed in
 /// place: an entry changes by being replaced.
 NSDictionary *toObjects(const PropertyList &list) {
-    const std::string xml = list.toXML();
+    const std::string &xml = list.bytes();
     NSDictionary *objects = nil;
     vantrel::withoutExceptions([&] {
         objects = [NSPropertyListSerialization propertyListFromData:[NSData dataWithBytes:xml.data() length:xml.size()]
@@ -38,9 +39,9 @@ NSDictionary *toDictionary(const PropertyList &list) {
     NSMutableDictionary *some = [NSMutableDictionary dictionary];
     for (const auto &key : list.keys()) {
         NSAutoreleasePool *pool = [NSAutoreleasePool new];
-        PropertyList entry;
-        entry.copyEntry(key, list);
-        [some addEntriesFromDictionary:toObjects(entry)];
+        PropertyListChanges entry;
+        entry.copy(key, list);
+        [some addEntriesFromDictionary:toObjects(*PropertyList().with(entry))];
         [pool release];
     }
     return some;

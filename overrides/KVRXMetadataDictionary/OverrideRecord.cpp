@@ -14,6 +14,7 @@ namespace vantrel {
 namespace {
 
 using gnustep::PropertyList;
+using gnustep::PropertyListChanges;
 
 constexpr double longestWait = 2;  // seconds
 /// A quarter of a second, after which a file is whole that another program was rewriting in place.
@@ -21,13 +22,15 @@ constexpr struct timespec untilWhole { 0, 250'000'000 };
 /// How often a change is made again because somebody who doesn't ask for the lock came in between.
 constexpr int mostTries = 10;
 
-/// What a record of these bytes holds; nothing when it can't be read.
-std::optional<PropertyList> listFrom(std::string_view bytes) {
-    if (bytes.empty()) return PropertyList();
-    auto list = PropertyList::parse(bytes);
-    // A binary list can be many times longer once it is written out.
-    if (list && list->toXML().size() > largestRecord) list.reset();
-    return list;
+/// What is to change in the record: what differs between the two lists.
+PropertyListChanges changesBetween(const PropertyList& before, const PropertyList& after) {
+    PropertyListChanges changes;
+    for (const auto* list : {&before, &after}) {
+        for (const auto& key : list->keys()) {
+            if (before.element(key) != after.element(key)) changes.copy(key, after);
+        }
+    }
+    return changes;
 }
 
 /// The record as it was found. Its file stays open, so that no other one can get its number while they are compared.
@@ -55,8 +58,12 @@ public:
 private:
     std::optional<PropertyList> read() const {
         if (!file_.isOpen()) return errno == ENOENT ? std::optional(PropertyList()) : std::nullopt;
-        const auto bytes = posix::contentsOf(calls_, file_.number(), largestRecord);
-        return bytes ? listFrom(*bytes) : std::nullopt;
+        auto bytes = posix::contentsOf(calls_, file_.number(), largestRecord);
+        if (!bytes) return std::nullopt;
+        if (bytes->empty()) return PropertyList();
+        auto list = PropertyList::parse(std::move(*bytes));
+        // A binary list can be many times longer once it is written out.
+        return list && list->bytes().size() <= largestRecord ? std::move(list) : std::nullopt;
     }
 
     posix::SystemCalls& calls_;
@@ -86,25 +93,19 @@ bool OverrideRecord::change(const PropertyList& before, const PropertyList& afte
     if (!folder.isOpen()) return false;
     lock(folder);
 
+    const auto changes = changesBetween(before, after);
     for (int tries = 0; tries < mostTries; ++tries) {
         Look look(calls_, path_);
         if (tries == 0 && look.isDoubtful()) {
             calls_.nanosleep(untilWhole);
             continue;
         }
-        auto& list = look.list();
-        if (!list) return false;
-        for (const auto* entries : {&before, &after}) {
-            for (const auto& key : entries->keys()) {
-                if (!after.hasSameEntry(key, before)) list->copyEntry(key, after);
-            }
-        }
+        const auto list = look.list() ? look.list()->with(changes) : std::nullopt;
         // What couldn't be read again would be lost to everybody.
-        const std::string bytes = list->toXML();
-        if (!listFrom(bytes)) return false;
+        if (!list || list->bytes().size() > largestRecord) return false;
 
         posix::FileReplacement replacement(calls_, path_, posix::Links::replaced);
-        if (replacement.prepare(bytes) != 0) return false;
+        if (replacement.prepare(list->bytes()) != 0) return false;
         if (!look.isStillSo()) continue;
         const bool isPlaced = replacement.place() == 0;
         // Others go on while the renaming is on its way to the disk: who writes without end would starve them else.

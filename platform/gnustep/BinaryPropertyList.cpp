@@ -1,17 +1,18 @@
 #include "platform/gnustep/BinaryPropertyList.h"
 
-#include <locale.h>
-#include <plist/plist.h>
-
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <charconv>
+#include <chrono>
+#include <cmath>
 #include <cstdint>
-#include <memory>
-#include <vector>
+#include <cstdio>
+#include <optional>
 
 #include "platform/gnustep/PropertyList.h"
-#include "platform/gnustep/PropertyListText.h"
-#include "platform/gnustep/XMLPropertyList.h"
+#include "platform/gnustep/XMLText.h"
+#include "platform/text/UTF16.h"
 
 namespace vantrel::gnustep {
 namespace {
@@ -19,134 +20,164 @@ namespace {
 constexpr std::string_view magic = "bplist00";
 constexpr std::size_t trailerSize = 32;
 
-/// What an object costs to write beside its content, in bytes: its tags and the white space before them.
-constexpr std::size_t objectCost = 64;
-constexpr std::size_t mostObjects = largestPropertyList / objectCost;
+std::string textOfReal(double number) {
+    if (std::isinf(number)) return number > 0 ? "+infinity" : "-infinity";
+    std::array<char, 32> digits{};
+    std::to_chars(digits.data(), digits.data() + digits.size(), number);
+    return std::isnan(number) ? "nan" : digits.data();
+}
 
-/// Looks a binary list over before libplist may see it. libplist descends by recursion, writes an object out as often
-/// as it is referred to, and cuts texts and numbers short that it can't hold: all that must be known before.
-class Inspector {
+/// `seconds` count from the start of 2001. Empty for a date that isn't written in four digits.
+std::string textOfDate(double seconds) {
+    using namespace std::chrono;
+    constexpr sys_seconds reference = sys_days{2001y / January / 1};
+    constexpr auto first = static_cast<double>((sys_days{0y / January / 1} - reference).count());
+    constexpr auto end = static_cast<double>((sys_days{10000y / January / 1} - reference).count());
+    if (!(seconds >= first && seconds < end)) return {};
+    const auto time = reference + std::chrono::seconds(static_cast<std::int64_t>(std::floor(seconds)));
+    const year_month_day date(floor<days>(time));
+    const auto ofDay = static_cast<unsigned>((time - floor<days>(time)).count());
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02u:%02u:%02uZ", int{date.year()}, unsigned{date.month()},
+                  unsigned{date.day()}, ofDay / 3600, ofDay / 60 % 60, ofDay % 60);
+    return text.data();
+}
+
+/// What is too long is cut short, but not so short that it could be written.
+std::string utf8From(std::string_view utf16) {
+    std::string text;
+    text.reserve(std::min(2 * utf16.size(), largestPropertyList + 4));
+    for (std::size_t at = 0; at < utf16.size() && text.size() <= largestPropertyList; at += 2) {
+        const unsigned high = static_cast<unsigned char>(utf16[at]);
+        text::append(text, static_cast<char16_t>(high << 8 | static_cast<unsigned char>(utf16[at + 1])));
+    }
+    return text;
+}
+
+/// Walks a binary list and writes what it comes by, an object as often as it is referred to. Each takes its place in
+/// what is written, so that the bound of that is a bound of the walk.
+class Walk {
 public:
-    explicit Inspector(std::string_view bytes) : bytes_(bytes) {}
+    explicit Walk(std::string_view bytes) : bytes_(bytes), xml_(listStart) {
+        xml_.reserve(std::min(4 * bytes.size(), largestPropertyList + 1));
+    }
 
-    bool isSound() {
-        if (bytes_.size() < magic.size() + trailerSize || !bytes_.starts_with(magic)) return false;
+    std::string toXML() {
+        if (bytes_.size() < magic.size() + trailerSize || !bytes_.starts_with(magic)) return {};
         const auto trailer = bytes_.size() - trailerSize;
         offsetSize_ = integerAt(trailer + 6, 1);
         referenceSize_ = integerAt(trailer + 7, 1);
-        const auto count = integerAt(trailer + 8, 8);
-        const auto top = integerAt(trailer + 16, 8);
+        count_ = integerAt(trailer + 8, 8);
         end_ = integerAt(trailer + 24, 8);
-        if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) return false;
-        if (end_ > trailer || count > mostObjects || count > (trailer - end_) / offsetSize_) return false;
-        objects_.resize(count);
-        return inspect(top, 0);
+        if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) return {};
+        if (end_ > trailer || count_ > (trailer - end_) / offsetSize_) return {};
+        if (!write(integerAt(trailer + 16, 8), 0)) return {};
+        append(xml_, listEnd);
+        return std::move(xml_);
     }
 
 private:
-    /// What is known of an object with all below it: all 0 before it was looked at.
+    /// An object's kind, the number of its units or items (of a number, the logarithm of its size in bytes), and where
+    /// its content starts.
     struct Object {
-        unsigned kind = 0;
-        std::size_t height = 0;
-        /// About what it takes to write it out.
-        std::uint64_t cost = 0;
+        unsigned kind;
+        std::uint64_t count;
+        std::size_t content;
     };
 
-    bool inspect(std::uint64_t index, std::size_t depth) {
-        if (index >= objects_.size()) return false;
-        Object& object = objects_[index];
-        // An object that contains itself is found out by its depth.
-        if (object.cost == 0 && (depth > deepestNesting || !measure(object, index, depth))) return false;
-        return depth + object.height <= deepestNesting && object.cost <= largestPropertyList;
-    }
-
-    bool measure(Object& object, std::uint64_t index, std::size_t depth) {
+    std::optional<Object> object(std::uint64_t index) const {
+        if (index >= count_) return std::nullopt;
         const auto offset = integerAt(end_ + index * offsetSize_, offsetSize_);
-        if (offset < magic.size() || offset >= end_) return false;
+        if (offset < magic.size() || offset >= end_) return std::nullopt;
         const auto marker = integerAt(offset, 1);
-        const auto kind = static_cast<unsigned>(marker >> 4);
-        std::uint64_t count = marker & 0xF;
-        std::size_t content = offset + 1;
-        if (kind >= 0x4 && kind != 0x8 && count == 0xF) {
-            if (!holds(content, 1)) return false;
-            const auto sizeMarker = integerAt(content, 1);
+        Object object{static_cast<unsigned>(marker >> 4), marker & 0xF, static_cast<std::size_t>(offset) + 1};
+        if (object.kind >= 0x4 && object.kind != 0x8 && object.count == 0xF) {
+            // More than fit into the marker: an integer tells how many.
+            if (!holds(object.content, 1)) return std::nullopt;
+            const auto sizeMarker = integerAt(object.content, 1);
             const std::size_t size = std::size_t{1} << (sizeMarker & 0xF);
-            if (sizeMarker >> 4 != 1 || size > 8 || !holds(content + 1, size)) return false;
-            count = integerAt(content + 1, size);
-            content += 1 + size;
+            if (sizeMarker >> 4 != 0x1 || size > 8 || !holds(object.content + 1, size)) return std::nullopt;
+            object.count = integerAt(object.content + 1, size);
+            object.content += 1 + size;
         }
-        if (count > largestPropertyList) return false;
-
-        if (kind == 0xA || kind == 0xD) {
-            if (!inspectItems(object, content, count, kind == 0xD, depth)) return false;
-        } else if (!isScalar(kind, content, count)) {
-            return false;
-        }
-        object.kind = kind;
-        object.cost += objectCost + (kind >= 0x4 && kind <= 0x6 ? 3 * count : 0);
-        return true;
+        return object.count <= bytes_.size() ? std::optional(object) : std::nullopt;
     }
 
-    bool inspectItems(Object& object, std::size_t content, std::uint64_t count, bool isDictionary, std::size_t depth) {
-        const auto references = count * (isDictionary ? 2 : 1);
-        if (!holds(content, references * referenceSize_)) return false;
-        std::size_t height = 0;
-        std::uint64_t cost = 0;
-        for (std::uint64_t item = 0; item < references; ++item) {
-            const auto index = integerAt(content + item * referenceSize_, referenceSize_);
-            if (!inspect(index, depth + 1)) return false;
-            const Object& found = objects_[index];
-            if (isDictionary && item < count && found.kind != 0x5 && found.kind != 0x6) return false;
-            height = std::max(height, found.height + 1);
-            cost += found.cost;
-        }
-        object.height = height;
-        object.cost = cost;
-        return true;
-    }
+    bool write(std::uint64_t index, std::size_t depth) {
+        const auto found = object(index);
+        if (!found || xml_.size() > largestPropertyList) return false;
+        const auto [kind, count, content] = *found;
+        // One that contains itself is found out by its depth.
+        if (kind == 0xA || kind == 0xD) return depth <= deepestNesting && writeContainer(*found, depth);
+        if (kind == 0x5 || kind == 0x6) return writeText("string", *found);
+        if (kind == 0x0) return (count == 8 || count == 9) && element(count == 9 ? "true" : "false", "");
 
-    /// `count` is the number of a text's or data's units, and for what has none, what stands in its place.
-    bool isScalar(unsigned kind, std::size_t content, std::uint64_t count) const {
+        const auto size = kind == 0x4 ? count : kind == 0x8 ? count + 1 : std::uint64_t{1} << (count & 0xF);
+        if (!holds(content, size)) return false;
         switch (kind) {
-            case 0x0:  // a Boolean
-                return count == 8 || count == 9;
-            case 0x1:  // an integer, of which libplist keeps 64 bits
-                return count <= 4 && holds(content, std::size_t{1} << count) &&
-                       (count < 4 || integerAt(content, 8) == 0);
-            case 0x2:  // a real
-                return (count == 2 || count == 3) && holds(content, std::size_t{1} << count);
-            case 0x3:  // a date
-                return count == 3 && holds(content, 8) && isCommonDate(std::bit_cast<double>(integerAt(content, 8)));
-            case 0x4:  // data
-                return holds(content, count);
-            case 0x5:  // a text in ASCII
-                return holds(content, count) && isASCII(bytes_.substr(content, count));
-            case 0x6:  // a text in UTF-16
-                return holds(content, 2 * count) && isUTF16(content, count);
-            case 0x8:  // an archiver's reference
-                return count < 4 && holds(content, count + 1);
+            case 0x1:
+                return writeInteger(content, size);
+            case 0x2:
+                return (size == 4 || size == 8) && element("real", textOfReal(realAt(content, size)));
+            case 0x3: {
+                const auto date = size == 8 ? textOfDate(realAt(content, size)) : "";
+                return !date.empty() && element("date", date);
+            }
+            case 0x4:
+                return element("data", base64(bytes_.substr(content, size)));
+            case 0x8:  // an archiver's reference, which XML lists hold like this
+                append(xml_, "<dict>\n");
+                element("key", "CF$UID");
+                if (size > 4 || !writeInteger(content, size)) return false;
+                append(xml_, "</dict>\n");
+                return true;
             default:
                 return false;
         }
     }
 
-    static bool isASCII(std::string_view text) {
-        return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<signed char>(byte) > 0; });
-    }
-
-    bool isUTF16(std::size_t content, std::uint64_t count) const {
-        bool expectsLow = false;
-        for (std::uint64_t index = 0; index < count; ++index) {
-            const auto unit = integerAt(content + 2 * index, 2);
-            const bool isLow = unit >= 0xDC00 && unit <= 0xDFFF;
-            if (unit == 0 || isLow != expectsLow) return false;
-            expectsLow = unit >= 0xD800 && unit <= 0xDBFF;
+    bool writeContainer(const Object& container, std::size_t depth) {
+        const bool isDictionary = container.kind == 0xD;
+        const auto size = container.count * referenceSize_;
+        if (!holds(container.content, isDictionary ? 2 * size : size)) return false;
+        append(xml_, isDictionary ? "<dict>\n" : "<array>\n");
+        for (auto at = container.content; at < container.content + size; at += referenceSize_) {
+            const auto key = isDictionary ? object(integerAt(at, referenceSize_)) : std::nullopt;
+            if (isDictionary && !(key && writeText("key", *key))) return false;
+            if (!write(integerAt(isDictionary ? at + size : at, referenceSize_), depth + 1)) return false;
         }
-        return !expectsLow;
+        append(xml_, isDictionary ? "</dict>\n" : "</array>\n");
+        return true;
     }
 
-    /// Whether the date, in seconds since 2001, lies in the years 1 to 9999.
-    static bool isCommonDate(double seconds) { return seconds >= -63113904000.0 && seconds < 252423993600.0; }
+    bool writeText(std::string_view name, const Object& object) {
+        const bool isASCII = object.kind == 0x5;
+        if (!isASCII && object.kind != 0x6) return false;
+        if (!holds(object.content, isASCII ? object.count : 2 * object.count)) return false;
+        const auto text = bytes_.substr(object.content, isASCII ? object.count : 2 * object.count);
+        appendTextElement(xml_, name, isASCII ? text : utf8From(text));
+        const auto isOfASCII = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+        return !isASCII || std::all_of(text.begin(), text.end(), isOfASCII);
+    }
+
+    /// Integers of 8 or 16 bytes have a sign, shorter ones don't.
+    bool writeInteger(std::size_t offset, std::size_t size) {
+        const auto high = size == 16 ? integerAt(offset, 8) : 0;
+        const auto low = size == 16 ? integerAt(offset + 8, 8) : integerAt(offset, size);
+        const bool isNegative = low >> 63 != 0 && (size == 8 || high == ~std::uint64_t{0});
+        element("integer", isNegative ? std::to_string(static_cast<std::int64_t>(low)) : std::to_string(low));
+        return size <= 16 && (high == 0 || isNegative);
+    }
+
+    double realAt(std::size_t offset, std::size_t size) const {
+        if (size == 4) return std::bit_cast<float>(static_cast<std::uint32_t>(integerAt(offset, 4)));
+        return std::bit_cast<double>(integerAt(offset, 8));
+    }
+
+    bool element(std::string_view name, std::string_view content) {
+        appendElement(xml_, name, content);
+        return true;
+    }
 
     /// Whether so many bytes stand between `offset` and the offset table.
     bool holds(std::uint64_t offset, std::uint64_t size) const { return offset <= end_ && size <= end_ - offset; }
@@ -158,43 +189,13 @@ private:
     }
 
     std::string_view bytes_;
+    std::string xml_;
     std::size_t offsetSize_ = 0;
     std::size_t referenceSize_ = 0;
+    std::uint64_t count_ = 0;
     /// Where the objects end and the offset table starts.
     std::uint64_t end_ = 0;
-    std::vector<Object> objects_;
 };
-
-/// libplist writes real numbers with the decimal sign of the thread's locale.
-class PlainNumbers {
-public:
-    PlainNumbers() : plain_(newlocale(LC_ALL_MASK, "C", nullptr)), before_(uselocale(plain_)) {}
-    ~PlainNumbers() {
-        uselocale(before_);
-        freelocale(plain_);
-    }
-    PlainNumbers(const PlainNumbers&) = delete;
-    PlainNumbers& operator=(const PlainNumbers&) = delete;
-
-private:
-    locale_t plain_;
-    locale_t before_;
-};
-
-/// What libplist wrote, as XML: with references for carriage returns, and the zeros in front of a short year.
-std::string corrected(std::string xml) {
-    const auto insertBehind = [&](std::string_view found, auto insert) {
-        for (auto at = xml.find(found); at != std::string::npos; at = xml.find(found, at + 1))
-            insert(at + found.size());
-    };
-    insertBehind("\r", [&](std::size_t end) { xml.replace(end - 1, 1, "&#13;"); });
-    insertBehind("<date>", [&](std::size_t year) {
-        constexpr std::size_t yearLength = 4;
-        const auto length = xml.find('-', year) - year;
-        if (length < yearLength) xml.insert(year, yearLength - length, '0');
-    });
-    return xml;
-}
 
 }  // namespace
 
@@ -202,19 +203,8 @@ bool isBinaryPropertyList(std::string_view bytes) {
     return bytes.starts_with("bplist");
 }
 
-std::optional<std::string> xmlFromBinaryPropertyList(std::string_view bytes) {
-    if (bytes.size() > largestPropertyList || !Inspector(bytes).isSound()) return std::nullopt;
-
-    const PlainNumbers plainNumbers;
-    plist_t root = nullptr;  // libplist reads it before it sets it
-    plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &root);
-    const std::unique_ptr<void, decltype(&plist_free)> list(root, plist_free);
-    char* written = nullptr;
-    std::uint32_t length = 0;
-    if (root) plist_to_xml(root, &written, &length);
-    if (!written) return std::nullopt;
-    const std::unique_ptr<char, decltype(&plist_to_xml_free)> xml(written, plist_to_xml_free);
-    return corrected(withEscapes({written, length}));
+std::string xmlFromBinaryPropertyList(std::string_view bytes) {
+    return Walk(bytes).toXML();
 }
 
 }  // namespace vantrel::gnustep

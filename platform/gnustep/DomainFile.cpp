@@ -31,14 +31,6 @@ PreferenceChange inTurn(const PreferenceChange& first, const PreferenceChange& s
     };
 }
 
-PropertyList listOf(std::string_view key, const NewPreferenceValue& value) {
-    PropertyList list;
-    if (const auto* flag = std::get_if<bool>(&value)) list.setBoolean(key, *flag);
-    if (const auto* number = std::get_if<long>(&value)) list.setInteger(key, *number);
-    if (const auto* text = std::get_if<std::string>(&value)) list.setString(key, *text);
-    return list;
-}
-
 }  // namespace
 
 DomainFile::DomainFile(posix::SystemCalls& calls, Log& log, std::string folder, std::string_view name)
@@ -68,19 +60,21 @@ void DomainFile::update(std::string_view key, const PreferenceChange& change) {
 bool DomainFile::synchronize() {
     // Looked at once without the lock: often there is nothing to do.
     auto state = file_.refresh();
-    auto list = changed();
-    if (!list) {
+    auto changes = changesToMake();
+    if (!changes) {
         pending_.clear();
         return true;
     }
     if (state == CachedPropertyList::State::unreadable) return false;
 
-    std::string bytes;
+    std::optional<PropertyList> list;
     std::optional<posix::FileReplacement> replacement;
     const auto prepare = [&] {
-        bytes = list->toXML();
+        list = file_.list().with(*changes);
+        errno = EFBIG;
+        if (!list) return false;
         replacement.emplace(calls_, path_);
-        return replacement->prepare(bytes) == 0;
+        return replacement->prepare(list->bytes()) == 0;
     };
 
     // What takes long, the way to the disk, comes before the lock: it is seldom that another writes meanwhile, and
@@ -93,8 +87,8 @@ bool DomainFile::synchronize() {
     state = file_.refresh();
     if (state == CachedPropertyList::State::unreadable) return false;
     if (!isPrepared || file_.revision() != preparedFor) {
-        list = changed();
-        if (!list) {
+        changes = changesToMake();
+        if (!changes) {
             pending_.clear();
             return true;
         }
@@ -106,24 +100,23 @@ bool DomainFile::synchronize() {
     if (replacement->place(&status) != 0) return false;
     lock.release();
 
+    auto bytes = list->bytes();
     file_.wasReplaced(std::move(*list), std::move(bytes), status);
     pending_.clear();
     mustReplaceAgain_ = replacement->settle() != 0;
     return !mustReplaceAgain_;
 }
 
-std::optional<PropertyList> DomainFile::changed() const {
-    if (pending_.empty() && !mustReplaceAgain_) return std::nullopt;
-    PropertyList list = file_.list();
+std::optional<PropertyListChanges> DomainFile::changesToMake() const {
+    PropertyListChanges changes;
     bool differs = mustReplaceAgain_;
     for (const auto& [key, change] : pending_) {
-        const auto value = change(list.value(key));
-        if (!value) continue;
-        const PropertyList wanted = listOf(key, *value);
-        differs |= !list.hasSameEntry(key, wanted);
-        list.copyEntry(key, wanted);
+        const auto value = change(file_.list().value(key));
+        if (!value || file_.list().holds(key, *value)) continue;
+        changes.set(key, *value);
+        differs = true;
     }
-    return differs ? std::optional(std::move(list)) : std::nullopt;
+    return differs ? std::optional(std::move(changes)) : std::nullopt;
 }
 
 bool DomainFile::keepAside(const std::string& path) {

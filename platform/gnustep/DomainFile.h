@@ -37,9 +37,8 @@ public:
     bool synchronize();
 
 private:
-    /// What the file is to hold: its list with every change that was made here. Nothing where it holds all that, and
-    /// for good.
-    std::optional<PropertyList> changed() const;
+    /// What the file lacks of the changes that were made here. Nothing where it holds all that, and for good.
+    std::optional<PropertyListChanges> changesToMake() const;
 
     /// Renames a damaged file to a free name beside it and logs that.
     bool keepAside(const std::string& path);

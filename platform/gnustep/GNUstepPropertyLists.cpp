@@ -1,13 +1,21 @@
 #include "platform/gnustep/GNUstepPropertyLists.h"
 
+#include <utility>
+
 #include "platform/gnustep/PropertyList.h"
 #include "platform/posix/FileContents.h"
 
 namespace vantrel::gnustep {
+namespace {
+
+/// What is read becomes a map, with a hundred bytes for each of its strings.
+constexpr std::size_t largestFile = std::size_t{4} * 1024 * 1024;
+
+}  // namespace
 
 std::optional<StringEntries> GNUstepPropertyLists::dictionaryWithContentsOfFile(const std::string& path) {
-    const auto contents = posix::contentsOfFile(calls_, path, largestPropertyList);
-    const auto list = contents ? PropertyList::parse(*contents) : std::nullopt;
+    auto contents = posix::contentsOfFile(calls_, path, largestFile);
+    const auto list = contents ? PropertyList::parse(std::move(*contents)) : std::nullopt;
     if (!list) return std::nullopt;
 
     StringEntries strings;

@@ -5,7 +5,7 @@
 
 namespace vantrel::gnustep {
 
-/// Property lists of up to 16 MiB in every form that `PropertyList` reads.
+/// Property lists of up to 4 MiB in every form that `PropertyList` reads.
 class GNUstepPropertyLists : public PropertyLists {
 public:
     explicit GNUstepPropertyLists(posix::SystemCalls& calls = posix::SystemCalls::real()) : calls_(calls) {}

@@ -4,22 +4,15 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <utility>
 
 #include "platform/gnustep/BinaryPropertyList.h"
-#include "platform/gnustep/PropertyListText.h"
-#include "platform/gnustep/XMLPropertyList.h"
+#include "platform/gnustep/TextPropertyList.h"
+#include "platform/gnustep/XMLText.h"
 
 namespace vantrel::gnustep {
 namespace {
 
-using Entry = PropertyListEntry;
-
-/// Any integer that a property list can hold: from -(2^64 - 1) to 2^64 - 1.
-struct WholeNumber {
-    bool isNegative = false;
-    std::uint64_t magnitude = 0;
-};
+using namespace std::string_view_literals;
 
 /// `format` is what `from_chars` wants to know beside the digits.
 template <typename Value>
@@ -30,175 +23,272 @@ std::optional<Value> numberFrom(std::string_view digits, auto... format) {
     return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
 }
 
-std::optional<WholeNumber> wholeNumber(const Entry* entry) {
-    if (!entry || entry->type != "integer") return std::nullopt;
-    auto digits = trimmed(entry->text);
+/// Nothing for what is no integer, or doesn't fit.
+std::optional<long> integerFrom(std::string_view text) {
+    auto digits = trimmed(text);
     const bool isNegative = digits.starts_with('-');
     if (isNegative || digits.starts_with('+')) digits.remove_prefix(1);
     const bool isHexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
     if (isHexadecimal) digits.remove_prefix(2);
-    const auto magnitude = numberFrom<std::uint64_t>(digits, isHexadecimal ? 16 : 10);
-    return magnitude ? std::optional(WholeNumber{isNegative, *magnitude}) : std::nullopt;
+    const auto magnitude = numberFrom<unsigned long>(digits, isHexadecimal ? 16 : 10);
+    constexpr unsigned long largest = std::numeric_limits<long>::max();
+    if (!magnitude || *magnitude > largest + (isNegative ? 1 : 0)) return std::nullopt;
+    return static_cast<long>(isNegative ? 0 - *magnitude : *magnitude);
 }
 
-std::optional<double> realNumber(const Entry* entry) {
-    if (!entry || entry->type != "real") return std::nullopt;
-    auto digits = trimmed(entry->text);
+/// The same of a real number, which must be a whole one.
+std::optional<long> integerFromReal(std::string_view text) {
+    auto digits = trimmed(text);
     if (digits.starts_with('+')) digits.remove_prefix(1);
-    return numberFrom<double>(digits);
+    const auto number = numberFrom<double>(digits);
+    // The largest integer isn't always a double itself, the power of two behind it is.
+    constexpr auto lowest = static_cast<double>(std::numeric_limits<long>::min());
+    if (!number || !(*number >= lowest && *number < -lowest) || std::trunc(*number) != *number) return std::nullopt;
+    return static_cast<long>(*number);
 }
 
-std::optional<std::int64_t> exactly(const WholeNumber& number) {
-    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
-    if (number.magnitude > largest + (number.isNegative ? 1 : 0)) return std::nullopt;
-    return static_cast<std::int64_t>(number.isNegative ? 0 - number.magnitude : number.magnitude);
+/// The first letter of the tag: of the types that are read here, no two have the same.
+char typeOf(std::string_view element) {
+    return element[1];
 }
 
-std::optional<std::int64_t> exactly(double number) {
-    // The largest integer isn't a double itself, the power of two behind it is.
-    constexpr auto lowest = static_cast<double>(std::numeric_limits<std::int64_t>::min());
-    if (!(number >= lowest && number < -lowest) || std::trunc(number) != number) return std::nullopt;
-    return static_cast<std::int64_t>(number);
+std::string elementFor(const NewPreferenceValue& value) {
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "<true/>" : "<false/>";
+    if (const auto* number = std::get_if<long>(&value)) return "<integer>" + std::to_string(*number) + "</integer>";
+    std::string element = "<string>";
+    appendText(element, std::get<std::string>(value));
+    return element += "</string>";
 }
 
-std::optional<std::int32_t> heldToRange(double number) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    if (std::isnan(number)) return std::nullopt;
-    return static_cast<std::int32_t>(
-        std::clamp(number, static_cast<double>(Limits::min()), static_cast<double>(Limits::max())));
+/// Programs of GNUstep don't mind zeros behind a list, other readers of XML do.
+void cutZeros(std::string& bytes) {
+    const auto zeros = std::min(bytes.find('\0'), bytes.size());
+    if (bytes.find_first_not_of("\0 \t\r\n"sv, zeros) == std::string::npos) bytes.resize(zeros);
 }
 
-bool isBoolean(const Entry* entry) {
-    return entry && (entry->type == "true" || entry->type == "false");
+/// Where the line break before `position` stands; `position` itself if there is more than white space between.
+std::uint32_t lineBreakBefore(std::string_view bytes, std::uint32_t position) {
+    const auto last = bytes.substr(0, position).find_last_not_of(" \t");
+    if (last == std::string_view::npos || bytes[last] != '\n') return position;
+    return static_cast<std::uint32_t>(last > 0 && bytes[last - 1] == '\r' ? last - 1 : last);
 }
+
+void moveEntry(PropertyListEntry& entry, std::uint32_t distance) {
+    entry.start += distance;
+    entry.value += distance;
+    entry.end += distance;
+    if (!entry.isNamedApart) entry.name += distance;
+}
+
+/// Passages of a list and what comes in their place, put there in one pass.
+class Splices {
+public:
+    /// No two passages may overlap.
+    void add(std::uint32_t start, std::uint32_t end, std::string_view text) {
+        splices_.push_back({start, end, text, text.size() - (end - start)});
+    }
+
+    /// Nothing when it would become too large.
+    std::optional<std::string> appliedTo(std::string_view bytes) {
+        std::sort(splices_.begin(), splices_.end(),
+                  [](const Splice& one, const Splice& other) { return one.start < other.start; });
+        std::size_t growth = 0;
+        for (Splice& splice : splices_) splice.growth = growth += splice.growth;
+        if (bytes.size() + growth > largestPropertyList) return std::nullopt;
+
+        std::string spliced;
+        spliced.reserve(bytes.size() + growth);
+        std::size_t at = 0;
+        for (const Splice& splice : splices_) {
+            spliced.append(bytes, at, splice.start - at).append(splice.text);
+            at = splice.end;
+        }
+        return spliced.append(bytes, at);
+    }
+
+    /// Where what stood at `position` has gone; what comes in place of a passage counts as standing at its start.
+    std::uint32_t moved(std::uint32_t position) const {
+        const auto next = std::partition_point(splices_.begin(), splices_.end(),
+                                               [&](const Splice& splice) { return splice.start < position; });
+        return static_cast<std::uint32_t>(position + (next == splices_.begin() ? 0 : std::prev(next)->growth));
+    }
+
+private:
+    struct Splice {
+        std::uint32_t start;
+        std::uint32_t end;
+        std::string_view text;
+        /// By how much the bytes grow up to here, in numbers that wrap around; before they are sorted, by this one
+        /// alone.
+        std::size_t growth;
+    };
+
+    std::vector<Splice> splices_;
+};
 
 }  // namespace
 
-/// Each entry keeps the very text that it was read with, so that what isn't set here stays letter for letter.
-struct PropertyList::Entries {
-    const Entry* find(std::string_view key) const {
-        const auto found = byKey.find(key);
-        return found == byKey.end() ? nullptr : &found->second;
-    }
-
-    void set(std::string_view key, std::string element, std::string type, std::string_view text) {
-        byKey.insert_or_assign(std::string(key), Entry{"<key>" + xmlFromText(key) + "</key>", std::move(element),
-                                                       std::move(type), std::string(text)});
-    }
-
-    PropertyListEntries byKey;
-};
-
-PropertyList::PropertyList() : entries_(std::make_unique<Entries>()) {}
-PropertyList::PropertyList(std::unique_ptr<Entries> entries) : entries_(std::move(entries)) {}
-PropertyList::~PropertyList() = default;
-PropertyList::PropertyList(PropertyList&&) noexcept = default;
-PropertyList& PropertyList::operator=(PropertyList&&) noexcept = default;
-
-PropertyList::PropertyList(const PropertyList& other) : entries_(std::make_unique<Entries>(*other.entries_)) {}
-
-PropertyList& PropertyList::operator=(const PropertyList& other) {
-    return *this = PropertyList(other);
+void PropertyListChanges::set(std::string_view key, const NewPreferenceValue& value) {
+    elements_.insert_or_assign(std::string(key), elementFor(value));
 }
 
-std::optional<PropertyList> PropertyList::parse(std::string_view bytes) {
-    std::optional<std::string> converted;
-    if (isBinaryPropertyList(bytes)) {
-        converted = xmlFromBinaryPropertyList(bytes);
-        if (!converted) return std::nullopt;
-        bytes = *converted;
+void PropertyListChanges::remove(std::string_view key) {
+    elements_.insert_or_assign(std::string(key), "");
+}
+
+void PropertyListChanges::copy(std::string_view key, const PropertyList& list) {
+    elements_.insert_or_assign(std::string(key), list.element(key));
+}
+
+PropertyList::PropertyList() {
+    bytes_.append(listStart).append("<dict>\n</dict>\n").append(listEnd);
+    dictionaryEnd_ = static_cast<std::uint32_t>(bytes_.rfind("</dict>"));
+}
+
+std::optional<PropertyList> PropertyList::parse(std::string bytes) {
+    if (bytes.size() > largestPropertyList) return std::nullopt;
+    if (isBinaryPropertyList(bytes)) bytes = xmlFromBinaryPropertyList(bytes);
+    cutZeros(bytes);
+    if (isTextPropertyList(bytes)) bytes = xmlFromTextPropertyList(bytes);
+    const auto encoding = encodingOf(bytes);
+    if (!encoding.empty()) {
+        bytes = inUTF8(bytes, encoding);
+        cutZeros(bytes);
     }
-    auto entries = entriesFromXML(bytes);
-    if (!entries) return std::nullopt;
-    return PropertyList(std::make_unique<Entries>(Entries{std::move(*entries)}));
+    if (bytes.find("\\U") != std::string::npos) bytes = withPairsRead(bytes);
+    auto list = readXMLPropertyList(bytes);
+    return list ? std::optional(PropertyList(std::move(bytes), std::move(*list))) : std::nullopt;
+}
+
+PropertyList::PropertyList(std::string bytes, XMLPropertyList list)
+    : bytes_(std::move(bytes)),
+      entries_(std::move(list.entries)),
+      names_(std::move(list.names)),
+      dictionaryEnd_(list.dictionaryEnd) {
+    if (list.isOneTag) {
+        const auto slash = bytes_.find('/', dictionaryEnd_);
+        bytes_.replace(slash, 1, "></dict");
+        dictionaryEnd_ = static_cast<std::uint32_t>(slash) + 1;
+    }
+    sort(0);
 }
 
 PreferenceValue PropertyList::value(std::string_view key) const {
-    const Entry* entry = entries_->find(key);
-    if (!entry) return Absent{};
-    if (isBoolean(entry)) return entry->type == "true";
-    if (entry->type == "string") return entry->text;
-    if (entry->type != "integer" && entry->type != "real") return OtherType{};
-    const auto number = integer(key);
-    const bool fits =
-        number && *number >= std::numeric_limits<long>::min() && *number <= std::numeric_limits<long>::max();
-    return Number{fits ? std::optional(static_cast<long>(*number)) : std::nullopt};
+    const auto found = element(key);
+    if (found.empty()) return Absent{};
+    const char type = typeOf(found);
+    if (type == 't' || type == 'f') return type == 't';
+    if (type != 's' && type != 'i' && type != 'r') return OtherType{};
+    auto text = textOf(found);
+    if (type == 's') return text;
+    return Number{type == 'i' ? integerFrom(text) : integerFromReal(text)};
 }
 
-std::optional<std::int64_t> PropertyList::integer(std::string_view key) const {
-    const Entry* entry = entries_->find(key);
-    if (const auto number = wholeNumber(entry)) return exactly(*number);
-    if (const auto number = realNumber(entry)) return exactly(*number);
-    return std::nullopt;
+bool PropertyList::holds(std::string_view key, const NewPreferenceValue& value) const {
+    const auto found = element(key);
+    const auto wanted = elementFor(value);
+    if (found.empty() || typeOf(found) != typeOf(wanted)) return false;
+    if (std::holds_alternative<bool>(value)) return true;
+    const auto text = textOf(found);
+    if (const auto* number = std::get_if<long>(&value)) return integerFrom(text) == *number;
+    return text == textOf(wanted);
 }
 
-std::optional<std::int32_t> PropertyList::intValue(std::string_view key) const {
-    const Entry* entry = entries_->find(key);
-    if (isBoolean(entry)) return entry->type == "true" ? 1 : 0;
-    if (const auto number = wholeNumber(entry)) {
-        return static_cast<std::int32_t>(number->isNegative ? 0 - number->magnitude : number->magnitude);
-    }
-    if (const auto number = realNumber(entry)) return heldToRange(*number);
-    return std::nullopt;
-}
-
-void PropertyList::setBoolean(std::string_view key, bool flag) {
-    entries_->set(key, flag ? "<true/>" : "<false/>", flag ? "true" : "false", {});
-}
-
-void PropertyList::setInteger(std::string_view key, std::int64_t number) {
-    const auto digits = std::to_string(number);
-    entries_->set(key, "<integer>" + digits + "</integer>", "integer", digits);
-}
-
-void PropertyList::setString(std::string_view key, std::string_view text) {
-    const auto escaped = withEscapes(text);
-    entries_->set(key, "<string>" + xmlFromText(text) + "</string>", "string", withEscapesRead(escaped));
-}
-
-void PropertyList::remove(std::string_view key) {
-    const auto found = entries_->byKey.find(key);
-    if (found != entries_->byKey.end()) entries_->byKey.erase(found);
-}
-
-void PropertyList::copyEntry(std::string_view key, const PropertyList& other) {
-    const Entry* entry = other.entries_->find(key);
-    if (!entry) {
-        remove(key);
-    } else if (this != &other) {
-        entries_->byKey.insert_or_assign(std::string(key), *entry);
-    }
-}
-
-bool PropertyList::hasSameEntry(std::string_view key, const PropertyList& other) const {
-    const Entry* mine = entries_->find(key);
-    const Entry* others = other.entries_->find(key);
-    if (!mine || !others) return mine == others;
-    if (mine->type != others->type) return false;
-    if (mine->type == "string") return mine->text == others->text;
-    const auto number = mine->type == "integer" ? integer(key) : std::nullopt;
-    return isBoolean(mine) || mine->element == others->element || (number && number == other.integer(key));
+std::string_view PropertyList::element(std::string_view key) const {
+    const auto [first, last] = indicesOf(key);
+    if (first == last) return {};
+    const Entry& entry = entries_[last - 1];
+    return std::string_view(bytes_).substr(entry.value, entry.end - entry.value);
 }
 
 std::vector<std::string> PropertyList::keys() const {
     std::vector<std::string> keys;
-    keys.reserve(entries_->byKey.size());
-    for (const auto& [key, entry] : entries_->byKey) keys.push_back(key);
+    for (const Entry& entry : entries_) {
+        if (keys.empty() || keys.back() != name(entry)) keys.emplace_back(name(entry));
+    }
     return keys;
 }
 
-std::string PropertyList::toXML() const {
-    std::string xml =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-        "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-        "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-        "<plist version=\"1.0\">\n"
-        "<dict>\n";
-    for (const auto& [key, entry] : entries_->byKey) {
-        xml += '\t' + entry.keyElement + "\n\t" + entry.element + '\n';
+std::optional<PropertyList> PropertyList::with(const PropertyListChanges& changes) const {
+    PropertyList list;
+    list.entries_ = entries_;
+    list.names_ = names_;
+    Splices splices;
+    std::string added;
+    std::vector<Entry> addedEntries;
+    for (const auto& [key, element] : changes.elements_) {
+        auto [index, last] = indicesOf(key);
+        if (!element.empty() && index == last) {
+            addedEntries.push_back(list.addTo(added, key, element));
+        } else if (!element.empty()) {
+            --last;
+            splices.add(entries_[last].value, entries_[last].end, element);
+        }
+        for (; index < last; ++index) {
+            splices.add(lineBreakBefore(bytes_, entries_[index].start), entries_[index].end, {});
+            list.entries_[index].end = 0;
+        }
     }
-    xml += "</dict>\n</plist>\n";
-    return xml;
+    const auto end = lineBreakBefore(bytes_, dictionaryEnd_);
+    splices.add(end, end, added);
+    auto bytes = splices.appliedTo(bytes_);
+    if (!bytes) return std::nullopt;
+
+    list.bytes_ = std::move(*bytes);
+    list.dictionaryEnd_ = static_cast<std::uint32_t>(list.bytes_.size() - (bytes_.size() - dictionaryEnd_));
+    std::erase_if(list.entries_, [](const Entry& entry) { return entry.end == 0; });
+    for (Entry& entry : list.entries_) {
+        const auto movedEnd = splices.moved(entry.end);
+        moveEntry(entry, splices.moved(entry.start) - entry.start);
+        entry.end = movedEnd;
+    }
+    const auto firstNew = list.entries_.size();
+    for (Entry& entry : addedEntries) {
+        moveEntry(entry, splices.moved(end));
+        list.entries_.push_back(entry);
+    }
+    list.sort(firstNew);
+    return list;
+}
+
+PropertyList::Entry PropertyList::addTo(std::string& added, std::string_view key, std::string_view element) {
+    Entry entry{};
+    added += "\n\t";
+    entry.start = static_cast<std::uint32_t>(added.size());
+    added += "<key>";
+    appendText(added, key);
+    added += "</key>";
+    setName(entry, key, std::string_view(added).substr(entry.start), names_);
+    added += "\n\t";
+    entry.value = static_cast<std::uint32_t>(added.size());
+    added += element;
+    entry.end = static_cast<std::uint32_t>(added.size());
+    return entry;
+}
+
+std::pair<std::size_t, std::size_t> PropertyList::indicesOf(std::string_view key) const {
+    const auto first =
+        std::partition_point(entries_.begin(), entries_.end(), [&](const Entry& entry) { return name(entry) < key; });
+    const auto last =
+        std::partition_point(first, entries_.end(), [&](const Entry& entry) { return name(entry) == key; });
+    return {first - entries_.begin(), last - entries_.begin()};
+}
+
+std::string_view PropertyList::name(const Entry& entry) const {
+    return std::string_view(entry.isNamedApart ? names_ : bytes_).substr(entry.name, entry.nameLength);
+}
+
+void PropertyList::sort(std::size_t firstNew) {
+    const auto isBefore = [this](const Entry& one, const Entry& other) {
+        const int order = name(one).compare(name(other));
+        return order < 0 || (order == 0 && one.start < other.start);
+    };
+    // Other programs write their entries sorted.
+    const auto first = entries_.begin() + static_cast<std::ptrdiff_t>(firstNew);
+    const auto unsorted = std::is_sorted_until(first, entries_.end(), isBefore);
+    std::sort(unsorted, entries_.end(), isBefore);
+    std::inplace_merge(first, unsorted, entries_.end(), isBefore);
+    std::inplace_merge(entries_.begin(), first, entries_.end(), isBefore);
 }
 
 }  // namespace vantrel::gnustep

@@ -1,74 +1,95 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <memory>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/Preferences.h"
+#include "platform/gnustep/XMLPropertyList.h"
 
 namespace vantrel::gnustep {
 
-/// The most bytes that are read: no settings file comes near, and what a hostile one can cost stays small.
+/// The most bytes that are read or written: no settings file comes near, and what a hostile one can cost stays small.
 inline constexpr std::size_t largestPropertyList = std::size_t{16} * 1024 * 1024;
 
-/// A property list whose top is a dictionary. Entries that aren't set here keep their type and value, known or not, on
-/// the way from file to file.
+class PropertyList;
+
+/// What is to stand under keys of a list's dictionary. Of several changes to one key the last counts.
+class PropertyListChanges {
+public:
+    /// Texts are UTF-8; bytes that aren't become U+FFFD.
+    void set(std::string_view key, const NewPreferenceValue& value);
+
+    void remove(std::string_view key);
+
+    /// Takes the entry under `key` over from `list`, or removes it where `list` has none.
+    void copy(std::string_view key, const PropertyList& list);
+
+private:
+    friend class PropertyList;
+
+    /// The values as they are written, with their tags; nothing where the entry goes.
+    std::map<std::string, std::string, std::less<>> elements_;
+};
+
+/// A property list whose top is a dictionary: its XML, and where each entry stands in it. Of a key that comes twice,
+/// the last entry counts.
 class PropertyList {
 public:
     /// An empty dictionary.
     PropertyList();
-    ~PropertyList();
-    PropertyList(const PropertyList& other);
-    PropertyList& operator=(const PropertyList& other);
-    /// A list that was moved from can only be assigned to, or let go.
-    PropertyList(PropertyList&&) noexcept;
-    PropertyList& operator=(PropertyList&&) noexcept;
 
-    /// Reads an XML or a binary list. Nothing when it is damaged, isn't a dictionary at the top, passes a bound, or
-    /// holds something that could not be written again.
-    static std::optional<PropertyList> parse(std::string_view bytes);
+    /// Reads a list in XML, in the binary format or in the old text style, with or without zeros behind it. Nothing
+    /// when it is damaged, isn't a dictionary at the top, or is larger than `largestPropertyList`, in XML as well.
+    /// Takes time in proportion to its length, and less than 64 MB beside it.
+    static std::optional<PropertyList> parse(std::string bytes);
 
     /// What stands under `key`.
     PreferenceValue value(std::string_view key) const;
 
-    /// The number under `key` when it is a whole one that fits; nothing otherwise. A Boolean is not a number.
-    std::optional<std::int64_t> integer(std::string_view key) const;
+    /// Whether just this value stands under `key`: 1 is neither 1.0 nor true.
+    bool holds(std::string_view key, const NewPreferenceValue& value) const;
 
-    /// The number under `key` as NSNumber's `intValue` gives it: an integer's low 32 bits; a fraction cut off, and held
-    /// to the range of the type; 1 or 0 for a Boolean. Nothing when there is no number.
-    std::optional<std::int32_t> intValue(std::string_view key) const;
+    /// The value under `key` with its tags, as it stands in the XML; empty when there is none.
+    std::string_view element(std::string_view key) const;
 
-    /// Each replaces what stands under `key`, of whatever type. Texts are UTF-8.
-    void setBoolean(std::string_view key, bool flag);
-    void setInteger(std::string_view key, std::int64_t number);
-    void setString(std::string_view key, std::string_view text);
-
-    /// Does nothing when there is no entry under `key`.
-    void remove(std::string_view key);
-
-    /// Takes the entry under `key` over from `other`, or removes it where `other` has none.
-    void copyEntry(std::string_view key, const PropertyList& other);
-
-    /// Whether both have an entry under `key` of the same type and value, or neither has one.
-    bool hasSameEntry(std::string_view key, const PropertyList& other) const;
-
-    /// All keys, sorted.
+    /// All keys, sorted, each once.
     std::vector<std::string> keys() const;
 
-    /// The list as an XML property list, entries sorted by key.
-    std::string toXML() const;
+    /// The list after `changes`, made in one pass. What they don't name stays letter for letter, entries of no known
+    /// meaning and comments included; new entries go to the end of the dictionary. Nothing when it would be larger than
+    /// `largestPropertyList`, and so could not be read again.
+    [[nodiscard]] std::optional<PropertyList> with(const PropertyListChanges& changes) const;
+
+    /// The list as it is written to a file.
+    const std::string& bytes() const { return bytes_; }
 
 private:
-    /// The entries as the platform's library holds them.
-    struct Entries;
+    using Entry = PropertyListEntry;
 
-    explicit PropertyList(std::unique_ptr<Entries> entries);
+    PropertyList(std::string bytes, XMLPropertyList list);
 
-    std::unique_ptr<Entries> entries_;
+    /// The first and the last but one of the entries under `key`.
+    std::pair<std::size_t, std::size_t> indicesOf(std::string_view key) const;
+
+    std::string_view name(const Entry& entry) const;
+
+    /// Appends an entry to `added`, which will be put into the list, and tells where it stands there.
+    Entry addTo(std::string& added, std::string_view key, std::string_view element);
+
+    /// Puts the entries from the index `firstNew` on to their places among the others.
+    void sort(std::size_t firstNew);
+
+    std::string bytes_;
+    /// Sorted by name, and those of one name as they stand in the bytes.
+    std::vector<Entry> entries_;
+    /// See `PropertyListEntry`.
+    std::string names_;
+    std::uint32_t dictionaryEnd_ = 0;
 };
 
 }  // namespace vantrel::gnustep

@@ -1,58 +1,119 @@
 #include "platform/gnustep/XMLPropertyList.h"
 
+#include <iconv.h>
 #include <libxml/parserInternals.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <memory>
 #include <utility>
-#include <vector>
 
 #include "platform/gnustep/PropertyList.h"
-#include "platform/gnustep/PropertyListText.h"
-#include "platform/gnustep/XMLCharacters.h"
+#include "platform/gnustep/XMLText.h"
 
 namespace vantrel::gnustep {
 namespace {
 
-/// Without XML_PARSE_HUGE, libxml2 keeps to its own bounds.
-constexpr int parseOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+using namespace std::string_view_literals;
 
-bool isContainer(std::string_view name) {
-    return name == "dict" || name == "array";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+/// A `<plist>` with its version has 21 bytes, Apple's document type 110.
+constexpr std::size_t longestTag = 1024;
+
+/// How long a key may be, and all keys together that aren't written as they are. Nobody has megabytes of them.
+constexpr std::size_t mostNames = largestPropertyList / 4;
+
+/// As many warnings of libxml2 as don't matter. Each costs it as much as a hundred tags.
+constexpr int mostWarnings = 100;
+
+const char* plainCharacters(const xmlChar* text) {
+    return reinterpret_cast<const char*>(text);
 }
 
-bool isValue(std::string_view name) {
-    constexpr std::array<std::string_view, 7> scalars{"true", "false", "integer", "real", "string", "date", "data"};
-    return isContainer(name) || std::find(scalars.begin(), scalars.end(), name) != scalars.end();
+/// Where the tag that starts at `start` ends; npos when it doesn't, or is too long.
+std::size_t endOfTag(std::string_view xml, std::size_t start) {
+    char quote = '\0';
+    const auto limit = std::min(xml.size(), start + longestTag);
+    for (auto at = start + 1; at < limit && xml[at] != '<'; ++at) {
+        if (xml[at] > '>') continue;
+        if (quote == '\0' && xml[at] == '>') return at;
+        if (quote == '\0' && (xml[at] == '"' || xml[at] == '\'')) {
+            quote = xml[at];
+        } else if (xml[at] == quote) {
+            quote = '\0';
+        }
+    }
+    return std::string_view::npos;
 }
 
-/// Follows libxml2 through a list, and cuts the entries out of the bytes that it reads.
+/// How many keys there are at most, looked up before libxml2 sees any of them: it compares the attributes and the name
+/// spaces of a tag in pairs, and walks along all catalogues that a list names for each one more. Nothing when the XML
+/// would have it do so for long.
+std::optional<std::size_t> keysIn(std::string_view xml) {
+    std::size_t keys = 0;
+    for (auto at = xml.find('<'); at != std::string_view::npos; at = xml.find('<', at)) {
+        const auto rest = xml.substr(at);
+        if (rest.starts_with("<!--")) {
+            at = xml.find("-->", at + 4);
+        } else if (rest.starts_with("<![CDATA[")) {
+            at = xml.find("]]>", at);
+        } else if (rest.starts_with("<?")) {
+            at = rest.starts_with("<?oasis-xml-catalog") ? std::string_view::npos : xml.find("?>", at);
+        } else {
+            keys += rest.starts_with("<key") ? 1 : 0;
+            at = endOfTag(xml, at);
+        }
+        if (at == std::string_view::npos) return std::nullopt;
+    }
+    return keys;
+}
+
+enum class Kind { list, dictionary, array, key, scalar };
+
+std::optional<Kind> kindOf(std::string_view name) {
+    constexpr std::array<std::string_view, 7> scalars{"string", "integer", "true", "false", "real", "data", "date"};
+    if (name == "key") return Kind::key;
+    if (std::find(scalars.begin(), scalars.end(), name) != scalars.end()) return Kind::scalar;
+    if (name == "dict") return Kind::dictionary;
+    if (name == "array") return Kind::array;
+    return name == "plist" ? std::optional(Kind::list) : std::nullopt;
+}
+
+bool isContainer(Kind kind) {
+    return kind == Kind::dictionary || kind == Kind::array;
+}
+
+/// Follows libxml2 through a list, and notes where it stands.
 class Reader {
 public:
+    /// More white space around the list than 10 MB libxml2 takes for an attack.
     explicit Reader(std::string_view xml)
-        : xml_(xml), context_(xmlCreateMemoryParserCtxt(xml.data(), static_cast<int>(xml.size())), xmlFreeParserCtxt) {
+        : xml_(xml),
+          list_(trimmed(xml)),
+          context_(xmlCreateMemoryParserCtxt(list_.data(), static_cast<int>(list_.size())), xmlFreeParserCtxt) {
         if (!context_) return;
         *context_->sax = handler();
         context_->userData = this;
-        xmlCtxtUseOptions(context_.get(), parseOptions);
+        xmlCtxtUseOptions(context_.get(), XML_PARSE_NONET | XML_PARSE_IGNORE_ENC);
     }
 
-    std::optional<PropertyListEntries> read() {
-        if (!context_) return std::nullopt;
+    std::optional<XMLPropertyList> read() {
+        // What starts otherwise may be in an encoding that only libxml2 knows.
+        const bool isXML = list_.starts_with('<') || list_.starts_with(byteOrderMark);
+        const auto keys = keysIn(list_);
+        if (!isXML || !keys || !context_) return std::nullopt;
+        found_.entries.reserve(*keys);
         xmlParseDocument(context_.get());
-        // To libxml2, a NUL behind the list is the end.
-        const bool isWhole = isSound_ && context_->wellFormed != 0 && position() == xml_.size();
-        return isWhole ? std::optional(std::move(entries_)) : std::nullopt;
+        const bool isWhole =
+            isSound_ && context_->wellFormed != 0 && xmlByteConsumed(context_.get()) == static_cast<long>(list_.size());
+        return isWhole ? std::optional(std::move(found_)) : std::nullopt;
     }
-
-    /// Whether `read` gave up because the list is in another encoding than UTF-8.
-    bool isEncoded() const { return isEncoded_; }
 
 private:
     struct Element {
-        std::string_view name;
-        std::size_t start;
+        Kind kind;
         /// Whether it must not end yet: a dictionary after a key, a list without its dictionary.
         bool expectsValue;
     };
@@ -60,7 +121,6 @@ private:
     static xmlSAXHandler handler() {
         xmlSAXHandler handler{};
         handler.initialized = XML_SAX2_MAGIC;
-        handler.startDocument = [](void* reader) { of(reader).startDocument(); };
         handler.internalSubset = [](void* reader, const xmlChar*, const xmlChar*, const xmlChar*) {
             of(reader).require(*of(reader).context_->input->cur != '[');
         };
@@ -77,6 +137,10 @@ private:
         };
         handler.ignorableWhitespace = handler.characters;
         handler.cdataBlock = handler.characters;
+        // Left to itself, libxml2 reads on behind an error, and prints it.
+        handler.serror = [](void* reader, xmlErrorPtr error) {
+            of(reader).require(error->level != XML_ERR_FATAL && ++of(reader).warnings_ <= mostWarnings);
+        };
         return handler;
     }
 
@@ -88,92 +152,141 @@ private:
         xmlStopParser(context_.get());
     }
 
-    void startDocument() {
-        isEncoded_ = context_->input->buf->encoder != nullptr;
-        require(!isEncoded_);
-    }
-
     /// libxml2 stands at the end of the tag.
     void startElement(std::string_view name, bool isPlain) {
-        require((isPlain || name == "plist") && fits(name));
+        const auto kind = kindOf(name);
+        require(kind && (isPlain || kind == Kind::list) && fits(*kind));
         if (!isSound_) return;
-        if (!open_.empty()) open_.back().expectsValue = name == "key";
-        open_.push_back({name, xml_.rfind('<', position()), name == "plist"});
+        name_.clear();
+        if (isInTop()) (kind == Kind::key ? entry_.start : entry_.value) = tagBefore(position());
+        if (!open_.empty()) open_.back().expectsValue = kind == Kind::key;
+        open_.push_back({*kind, kind == Kind::list});
     }
 
-    bool fits(std::string_view name) const {
-        if (open_.empty()) return name == "plist" || name == "dict";
-        const auto& [parent, start, expectsValue] = open_.back();
-        if (parent == "plist") return name == "dict" && expectsValue;
-        if (parent == "dict" && !expectsValue) return name == "key";
-        return isContainer(parent) && isValue(name) && (!isContainer(name) || open_.size() - top() <= deepestNesting);
+    bool fits(Kind kind) const {
+        if (open_.empty()) return kind == Kind::list || kind == Kind::dictionary;
+        const auto& [parent, expectsValue] = open_.back();
+        if (parent == Kind::list) return kind == Kind::dictionary && expectsValue;
+        if (parent == Kind::dictionary && !expectsValue) return kind == Kind::key;
+        if (!isContainer(parent) || kind == Kind::key || kind == Kind::list) return false;
+        return kind == Kind::scalar || open_.size() - around() <= deepestNesting;
     }
 
     /// libxml2 stands behind the tag.
     void endElement() {
         const Element ended = open_.back();
-        require(!ended.expectsValue);
         open_.pop_back();
-        if (open_.size() == top() + 1) {
-            auto element = withPairsRead(xml_.substr(ended.start, position() - ended.start));
-            auto text = withEscapesRead(text_);
-            if (ended.name == "key") {
-                key_ = std::move(text);
-                keyElement_ = std::move(element);
-            } else {
-                entries_[key_] = {keyElement_, std::move(element), std::string(ended.name), std::move(text)};
-            }
+        if (ended.expectsValue) return require(false);
+        if (isInTop() && ended.kind == Kind::key) {
+            setName(entry_, withEscapesRead(name_), xml_.substr(entry_.start, position() - entry_.start), found_.names);
+        } else if (isInTop()) {
+            entry_.end = position();
+            found_.entries.push_back(entry_);
+        } else if (ended.kind == Kind::dictionary && open_.size() == around()) {
+            found_.dictionaryEnd = tagBefore(position() - 1);
+            found_.isOneTag = xml_[found_.dictionaryEnd + 1] != '/';
         }
-        text_.clear();
     }
 
     /// One text may come in several pieces.
     void takeText(std::string_view text) {
-        const bool isContent = !open_.empty() && open_.back().name != "plist" && !isContainer(open_.back().name);
-        if (isContent) {
-            text_ += text;
-        } else {
-            require(trimmed(text).empty());
-        }
+        const auto kind = open_.empty() ? Kind::list : open_.back().kind;
+        require(kind == Kind::key || kind == Kind::scalar || trimmed(text).empty());
+        if (kind == Kind::key) name_ += text;
+        require(name_.size() + found_.names.size() <= mostNames);
     }
 
     /// How many elements stand around the dictionary at the top.
-    std::size_t top() const { return !open_.empty() && open_.front().name == "plist" ? 1 : 0; }
+    std::size_t around() const { return !open_.empty() && open_.front().kind == Kind::list ? 1 : 0; }
 
-    std::size_t position() const { return static_cast<std::size_t>(xmlByteConsumed(context_.get())); }
+    /// Whether the innermost open element is the dictionary at the top.
+    bool isInTop() const { return open_.size() == around() + 1; }
+
+    /// Where the last tag at or before `end` starts.
+    std::uint32_t tagBefore(std::uint32_t end) const { return static_cast<std::uint32_t>(xml_.rfind('<', end)); }
+
+    std::uint32_t position() const {
+        return static_cast<std::uint32_t>(list_.data() - xml_.data() + xmlByteConsumed(context_.get()));
+    }
 
     std::string_view xml_;
+    /// Without what is around it.
+    std::string_view list_;
     std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context_;
     bool isSound_ = true;
-    bool isEncoded_ = false;
+    int warnings_ = 0;
     std::vector<Element> open_;
-    std::string text_;
-    std::string key_;
-    std::string keyElement_;
-    PropertyListEntries entries_;
+    PropertyListEntry entry_{};
+    std::string name_;
+    XMLPropertyList found_;
 };
-
-/// The XML in UTF-8; empty when libxml2 can't read it.
-std::string inUTF8(std::string_view xml) {
-    const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
-        xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, nullptr, parseOptions), xmlFreeDoc);
-    if (!document) return {};
-    xmlChar* written = nullptr;
-    int length = 0;
-    xmlDocDumpMemoryEnc(document.get(), &written, &length, "UTF-8");
-    const std::unique_ptr<xmlChar, decltype(xmlFree)> text(written, xmlFree);
-    return written ? std::string(plainCharacters(written), static_cast<std::size_t>(length)) : std::string();
-}
 
 }  // namespace
 
-std::optional<PropertyListEntries> entriesFromXML(std::string_view xml) {
+void setName(PropertyListEntry& entry, std::string_view name, std::string_view element, std::string& names) {
+    constexpr std::string_view start = "<key>";
+    constexpr std::string_view end = "</key>";
+    entry.isNamedApart =
+        element.size() != start.size() + name.size() + end.size() || element.substr(start.size(), name.size()) != name;
+    entry.name = static_cast<std::uint32_t>(entry.isNamedApart ? names.size() : entry.start + start.size());
+    entry.nameLength = name.size() & 0x7FFFFFFF;
+    if (entry.isNamedApart) names += name;
+}
+
+std::optional<XMLPropertyList> readXMLPropertyList(std::string_view xml) {
     static const bool isReady = (xmlInitParser(), true);
-    if (!isReady || xml.size() > largestPropertyList) return std::nullopt;
-    // More white space than 10 MB libxml2 takes for an attack.
-    Reader reader(trimmed(xml));
-    auto entries = reader.read();
-    return reader.isEncoded() ? entriesFromXML(inUTF8(xml)) : std::move(entries);
+    // A NUL would be the end to libxml2, or the sign of another encoding.
+    if (!isReady || xml.size() > largestPropertyList || xml.find('\0') != std::string_view::npos) return std::nullopt;
+    return Reader(xml).read();
+}
+
+std::string textOf(std::string_view element) {
+    const auto start = element.find('>') + 1;
+    const auto end = std::max(element.rfind('<'), start);
+    const auto content = element.substr(start, end - start);
+    const auto isPlain = [](char character) { return character != '&' && character != '<' && character != '\r'; };
+    if (std::all_of(content.begin(), content.end(), isPlain)) return withEscapesRead(content);
+
+    std::string text;
+    xmlSAXHandler handler{};
+    handler.characters = [](void* text, const xmlChar* piece, int length) {
+        static_cast<std::string*>(text)->append(plainCharacters(piece), static_cast<std::size_t>(length));
+    };
+    handler.ignorableWhitespace = handler.cdataBlock = handler.characters;
+    xmlSAXUserParseMemory(&handler, &text, element.data(), static_cast<int>(element.size()));
+    return withEscapesRead(text);
+}
+
+std::string encodingOf(std::string_view xml) {
+    if (xml.starts_with("\xFF\xFE") || xml.starts_with("\xFE\xFF")) return "UTF-16";
+    if (xml.starts_with("<\0"sv)) return "UTF-16LE";
+    if (xml.starts_with("\0<"sv)) return "UTF-16BE";
+    const auto declaration = xml.starts_with("<?xml") ? xml.substr(0, xml.find("?>")) : "";
+    const auto start = declaration.find_first_of("\"'", declaration.find("encoding"));
+    if (start == std::string_view::npos) return {};
+    const std::string name(declaration.substr(start + 1, declaration.find(declaration[start], start + 1) - start - 1));
+    return name == "UTF-8" || name == "utf-8" ? "" : name;
+}
+
+std::string inUTF8(std::string_view xml, const std::string& encoding) {
+    const std::unique_ptr<void, decltype(&iconv_close)> converter(iconv_open("UTF-8", encoding.c_str()), iconv_close);
+    if (converter.get() == reinterpret_cast<iconv_t>(-1)) return {};
+    std::string text;
+    text.reserve(std::min(2 * xml.size(), largestPropertyList));
+    char* from = const_cast<char*>(xml.data());
+    for (auto left = xml.size(); left > 0;) {
+        std::array<char, 16384> buffer;
+        char* to = buffer.data();
+        auto room = buffer.size();
+        const bool isDone = iconv(converter.get(), &from, &left, &to, &room) != static_cast<std::size_t>(-1);
+        const std::string_view converted(buffer.data(), to);
+        if ((!isDone && errno != E2BIG) || text.size() + converted.size() > largestPropertyList) return {};
+        text += converted;
+    }
+
+    const std::size_t start = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    const bool isDeclared = std::string_view(text).substr(start).starts_with("<?xml");
+    return text.replace(0, isDeclared ? text.find('>') + 1 : start, R"(<?xml version="1.0" encoding="UTF-8"?>)");
 }
 
 }  // namespace vantrel::gnustep

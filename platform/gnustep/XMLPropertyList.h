@@ -1,34 +1,55 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
-#include <map>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vantrel::gnustep {
 
 /// How many containers may stand inside the one at the top, one in the other.
 inline constexpr std::size_t deepestNesting = 128;
 
-/// An entry of a property list's dictionary, as it stands in the file.
+/// Where an entry of the dictionary at the top stands in the XML.
 struct PropertyListEntry {
-    /// Its key, with the tags.
-    std::string keyElement;
+    /// Its `<key>`.
+    std::uint32_t start;
+    /// The text of its key: in the XML, or in `XMLPropertyList::names` when the XML has it in other characters.
+    std::uint32_t name;
+    std::uint32_t nameLength : 31;
+    std::uint32_t isNamedApart : 1;
     /// Its value, with the tags.
-    std::string element;
-    /// The name of the value's tag: "true", "string".
-    std::string type;
-    /// What the value's text means; nothing in a container.
-    std::string text;
+    std::uint32_t value;
+    std::uint32_t end;
 };
 
-using PropertyListEntries = std::map<std::string, PropertyListEntry, std::less<>>;
+/// Notes that `name` is the key of `entry`, whose start is known, and is written as `element`. Where it doesn't stand
+/// in there as it is, appends it to `names`.
+void setName(PropertyListEntry& entry, std::string_view name, std::string_view element, std::string& names);
 
-/// The entries of the dictionary at the top of an XML property list, in any encoding that libxml2 knows; of a key that
-/// comes twice, the last. Nothing when the XML is damaged, is no property list, has another top, declares something of
-/// its own, or is nested more deeply than `deepestNesting`.
-std::optional<PropertyListEntries> entriesFromXML(std::string_view xml);
+struct XMLPropertyList {
+    /// In the order of the XML.
+    std::vector<PropertyListEntry> entries;
+    std::string names;
+    /// Where the dictionary's closing tag starts, or its only one: `<dict/>`.
+    std::uint32_t dictionaryEnd = 0;
+    bool isOneTag = false;
+};
+
+/// Finds the entries of the dictionary at the top of an XML property list in UTF-8. Nothing when the XML is damaged, is
+/// no property list, has another top, declares something of its own, has a tag longer than `longestTag`, or is nested
+/// more deeply than `deepestNesting`. What it takes grows with the length of `xml` and not faster.
+std::optional<XMLPropertyList> readXMLPropertyList(std::string_view xml);
+
+/// What a text, a number or a key means, of which `element` is the sound XML, with its tags.
+std::string textOf(std::string_view element);
+
+/// The encoding that `xml` starts with or declares; empty when that is UTF-8.
+std::string encodingOf(std::string_view xml);
+
+/// `xml` in UTF-8 and declared so. Empty when it isn't in that encoding, or is longer than the largest property list.
+std::string inUTF8(std::string_view xml, const std::string& encoding);
 
 }  // namespace vantrel::gnustep

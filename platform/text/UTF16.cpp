@@ -1,7 +1,5 @@
 #include "platform/text/UTF16.h"
 
-#include <cstddef>
-
 namespace vantrel::text {
 
 namespace {
@@ -9,6 +7,7 @@ namespace {
 constexpr char32_t replacementCharacter = 0xFFFD;
 constexpr char32_t firstBeyondUnits = 0x10000;
 constexpr char32_t lastCharacter = 0x10FFFF;
+constexpr std::size_t lengthOfHalf = 3;
 
 bool isHigh(char32_t unit) {
     return unit >= 0xD800 && unit <= 0xDBFF;
@@ -33,29 +32,7 @@ std::size_t lengthFrom(unsigned char lead) {
     return lead < 0xF8 ? 4 : 0;
 }
 
-struct Character {
-    char32_t number;
-    std::size_t length;
-};
-
-/// The character at the start of `text`, which isn't empty.
-Character firstOf(std::string_view text) {
-    constexpr Character none{replacementCharacter, 1};
-    const auto lead = static_cast<unsigned char>(text.front());
-    const std::size_t length = lengthFrom(lead);
-    if (length == 0 || length > text.size()) return none;
-    if (length == 1) return {lead, 1};
-
-    char32_t number = lead & (0x7FU >> length);
-    for (const char next : text.substr(1, length - 1)) {
-        const auto byte = static_cast<unsigned char>(next);
-        if ((byte & 0xC0U) != 0x80) return none;
-        number = number << 6 | (byte & 0x3FU);
-    }
-    return number <= lastCharacter && lengthInUTF8(number) == length ? Character{number, length} : none;
-}
-
-void append(std::string& text, char32_t character) {
+void appendCharacter(std::string& text, char32_t character) {
     const std::size_t length = lengthInUTF8(character);
     if (length == 1) {
         text += static_cast<char>(character);
@@ -90,16 +67,37 @@ std::u16string toUTF16(std::string_view text) {
 std::string fromUTF16(std::u16string_view units) {
     std::string text;
     text.reserve(units.size());
-    while (!units.empty()) {
-        char32_t character = units.front();
-        units.remove_prefix(1);
-        if (isHigh(character) && !units.empty() && isLow(units.front())) {
-            character = firstBeyondUnits + ((character - 0xD800) << 10) + (units.front() - 0xDC00U);
-            units.remove_prefix(1);
-        }
-        append(text, character);
-    }
+    for (const char16_t unit : units) append(text, unit);
     return text;
+}
+
+void append(std::string& text, char16_t unit) {
+    char32_t character = unit;
+    if (isLow(unit) && text.size() >= lengthOfHalf) {
+        const auto before = text.size() - lengthOfHalf;
+        const char32_t high = firstOf(std::string_view(text).substr(before)).number;
+        if (isHigh(high)) {
+            character = firstBeyondUnits + ((high - 0xD800) << 10) + (unit - 0xDC00U);
+            text.erase(before);
+        }
+    }
+    appendCharacter(text, character);
+}
+
+Character firstOf(std::string_view text) {
+    constexpr Character none{replacementCharacter, 1};
+    const auto lead = static_cast<unsigned char>(text.front());
+    const std::size_t length = lengthFrom(lead);
+    if (length == 0 || length > text.size()) return none;
+    if (length == 1) return {lead, 1};
+
+    char32_t number = lead & (0x7FU >> length);
+    for (const char next : text.substr(1, length - 1)) {
+        const auto byte = static_cast<unsigned char>(next);
+        if ((byte & 0xC0U) != 0x80) return none;
+        number = number << 6 | (byte & 0x3FU);
+    }
+    return number <= lastCharacter && lengthInUTF8(number) == length ? Character{number, length} : none;
 }
 
 }  // namespace vantrel::text

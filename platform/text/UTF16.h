@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,5 +14,19 @@ namespace vantrel::text {
 std::u16string toUTF16(std::string_view text);
 
 std::string fromUTF16(std::u16string_view units);
+
+/// Appends a unit to a text. The second half of a surrogate pair becomes one character with the first, if that is what
+/// the text ends with.
+void append(std::string& text, char16_t unit);
+
+struct Character {
+    char32_t number;
+    /// In bytes.
+    std::size_t length;
+};
+
+/// The character, or the half of a surrogate pair, at the start of `text`, which isn't empty; U+FFFD with a length of 1
+/// where there is none.
+Character firstOf(std::string_view text);
 
 }  // namespace vantrel::text

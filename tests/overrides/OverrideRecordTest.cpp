@@ -15,6 +15,7 @@ namespace vantrel {
 namespace {
 
 using gnustep::PropertyList;
+using gnustep::PropertyListChanges;
 using posix::TemporaryFolder;
 using testing::AnyOf;
 using testing::ElementsAre;
@@ -29,11 +30,23 @@ std::string listOf(const std::string& entries) {
            "</dict>\n</plist>\n";
 }
 
-/// One number under each key; a list without is one to remove them with.
-PropertyList numbers(const std::map<std::string, int>& entries) {
-    PropertyList list;
-    for (const auto& [key, number] : entries) list.setInteger(key, number);
-    return list;
+PropertyList numbers(const std::map<std::string, int>& entries, const PropertyList& base = {}) {
+    PropertyListChanges changes;
+    for (const auto& [key, number] : entries) changes.set(key, long{number});
+    return *base.with(changes);
+}
+
+/// -1 when there is none.
+int numberIn(const PropertyList& list, const std::string& key) {
+    const auto value = list.value(key);
+    const auto* number = std::get_if<Number>(&value);
+    return number ? static_cast<int>(number->longValue.value_or(-1)) : -1;
+}
+
+PropertyList textUnder(const std::string& key, const std::string& text) {
+    PropertyListChanges changes;
+    changes.set(key, text);
+    return *PropertyList().with(changes);
 }
 
 /// A user's application support folder with the record in it, on which nobody waits.
@@ -58,7 +71,7 @@ struct OverrideRecordTest : testing::Test {
         std::map<std::string, int> found;
         const auto list = PropertyList::parse(file());
         if (!list) throw std::runtime_error("the record can't be parsed");
-        for (const auto& key : list->keys()) found[key] = static_cast<int>(list->integer(key).value_or(-1));
+        for (const auto& key : list->keys()) found[key] = numberIn(*list, key);
         return found;
     }
 
@@ -94,9 +107,9 @@ TEST_F(OverrideRecordTest, AnEmptyFileIsNoRecordAndIsReplaced) {
 
 TEST_F(OverrideRecordTest, HasWhatItsFileHasNow) {
     writeRecord(listOf("<key>CPUM</key><integer>2</integer>"));
-    EXPECT_EQ(record.read()->integer("CPUM"), 2);
+    EXPECT_EQ(numberIn(*record.read(), "CPUM"), 2);
     writeRecord(listOf("<key>CPUM</key><integer>5</integer>"));
-    EXPECT_EQ(record.read()->integer("CPUM"), 5);
+    EXPECT_EQ(numberIn(*record.read(), "CPUM"), 5);
 }
 
 struct Unusable {
@@ -172,7 +185,7 @@ TEST_F(OverrideRecordTest, AFileThatIsWholeAQuarterOfASecondLaterIsRead) {
         if (name == "nanosleep") writeRecord(whole);
     };
     ASSERT_TRUE(record.read());
-    EXPECT_EQ(record.read()->integer("CPUM"), 2);
+    EXPECT_EQ(numberIn(*record.read(), "CPUM"), 2);
 }
 
 TEST_F(OverrideRecordTest, NobodyWaitsForAFileThatCantBeOpened) {
@@ -192,7 +205,7 @@ TEST_F(OverrideRecordTest, TheFirstChangeMakesFileAndFoldersForTheirUserAlone) {
     EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
     ASSERT_EQ(stat((folder / "Library/ApplicationSupport/Vantrel").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode, S_IFDIR | 0700U);
-    EXPECT_EQ(deep.read()->integer("CPUM"), 3);
+    EXPECT_EQ(numberIn(*deep.read(), "CPUM"), 3);
 }
 
 TEST_F(OverrideRecordTest, WhatIsNewIsAddedWhatIsOtherReplacedAndWhatIsGoneTakenAway) {
@@ -262,10 +275,8 @@ TEST_F(OverrideRecordTest, ARecordThatBecomesUnreadableAfterItWasLoadedIsNotOver
 }
 
 TEST_F(OverrideRecordTest, NoChangeMakesItLongerThanCanBeRead) {
-    PropertyList half;
-    half.setString("HALF", std::string(largestRecord / 2, 'x'));
-    PropertyList other;
-    other.setString("OTHER", std::string(largestRecord / 2, 'x'));
+    const auto half = textUnder("HALF", std::string(largestRecord / 2, 'x'));
+    const auto other = textUnder("OTHER", std::string(largestRecord / 2, 'x'));
     ASSERT_TRUE(record.change({}, half));
     const auto before = file();
     EXPECT_FALSE(record.change({}, other));
@@ -304,8 +315,8 @@ std::size_t numbersOf(const TemporaryFolder& folder, int processes, int numbersO
             for (int number = 0; number < numbersOfEach; ++number) {
                 const auto loaded = record.read();
                 if (!loaded) return false;
-                PropertyList wanted = *loaded;
-                wanted.setInteger(std::to_string(process) + " " + std::to_string(number), number);
+                const auto wanted =
+                    numbers({{std::to_string(process) + " " + std::to_string(number), number}}, *loaded);
                 if (!record.change(*loaded, wanted)) return false;
             }
             return journal.lines().empty();
@@ -515,7 +526,7 @@ TEST_F(OverrideRecordTest, TheFoldersAboveMayBeLinks) {
     std::filesystem::create_symlink("elsewhere", folder / "ApplicationSupport");
     OverrideRecord linked(folder / "ApplicationSupport", log, calls);
     EXPECT_TRUE(linked.change({}, numbers({{"CPUM", 2}})));
-    EXPECT_EQ(linked.read()->integer("CPUM"), 2);
+    EXPECT_EQ(numberIn(*linked.read(), "CPUM"), 2);
 }
 
 // Failures

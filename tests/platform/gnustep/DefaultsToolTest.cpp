@@ -17,6 +17,7 @@
 namespace vantrel::gnustep {
 namespace {
 
+using testing::HasSubstr;
 using testing::SizeIs;
 
 constexpr std::string_view appID = "com.vantrel.codec";
@@ -127,6 +128,39 @@ TEST_F(DefaultsToolTest, TheStoreReadsWhatItWrote) {
     ASSERT_TRUE(std::holds_alternative<bool>(flag));
     EXPECT_TRUE(std::get<bool>(flag));
     EXPECT_TRUE(std::holds_alternative<OtherType>(preferences.copyAppValue("list", appID)));
+}
+
+TEST_F(DefaultsToolTest, ItAndTheStoreReadAFileInTheOldTextStyleAlike) {
+    home.makeFolder("Defaults");
+    home.write("Defaults/com.vantrel.codec.plist",
+               "/* settings */ { plain = /Library/LUTs; // one\n"
+               R"("a key" = b; quoted = "a\"b\"\\\101\U00e9é\q"; number = 46; yes = <*BY>; no = <*BN>; )"
+               "integer = <*I-46>; real = <*R2.0>; list = (a, <00ff>,); last = c }");
+    for (const auto* key : {"plain", "quoted", "number", "last"}) EXPECT_EQ(text(key), toolReads(key)) << key;
+    EXPECT_EQ(text("quoted"), "a\"b\"\\Aééq");
+    EXPECT_EQ(text("a key"), "b");
+    const auto read = [&](std::string_view key) { return preferences.copyAppValue(key, appID); };
+    EXPECT_EQ(std::get<bool>(read("yes")), toolReads("yes") == "1");
+    EXPECT_EQ(std::get<bool>(read("no")), toolReads("no") == "1");
+    EXPECT_EQ(std::get<Number>(read("integer")).longValue, std::stol(toolReads("integer")));
+    EXPECT_EQ(std::get<Number>(read("real")).longValue, std::stol(toolReads("real")));
+
+    write("ours", true);
+    EXPECT_EQ(toolReads("quoted"), text("quoted"));
+    EXPECT_EQ(toolReads("no"), "0");
+    EXPECT_EQ(toolReads("integer"), "-46");
+    EXPECT_THAT(toolReads("list"), testing::AllOf(HasSubstr("a"), HasSubstr("00ff")));
+}
+
+TEST_F(DefaultsToolTest, ItAndTheStoreReadAFileWithZerosBehindTheListAlike) {
+    write("path", std::string("/ü"));
+    const auto file = "Defaults/com.vantrel.codec.plist";
+    home.write(file, home.read(file) + std::string(3, '\0') + " \n" + std::string(1, '\0'));
+    EXPECT_EQ(toolReads("path"), "/ü");
+    EXPECT_EQ(text("path"), "/ü");
+    write("more", true);
+    EXPECT_EQ(toolReads("path"), "/ü");
+    EXPECT_EQ(home.read(file).find('\0'), std::string::npos);
 }
 
 TEST_F(DefaultsToolTest, ATextSurvivesThatItWritesAnotherKey) {

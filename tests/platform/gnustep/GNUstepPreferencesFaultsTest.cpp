@@ -6,9 +6,9 @@
 #include <string>
 
 #include "platform/gnustep/GNUstepPreferences.h"
-#include "platform/gnustep/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
+#include "tests/platform/gnustep/PropertyListTesting.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
@@ -21,11 +21,6 @@ using testing::UnorderedElementsAre;
 
 constexpr std::string_view appID = "com.vantrel.codec";
 const std::string fileName = "com.vantrel.codec.plist";
-
-std::string listOf(const std::string& entries) {
-    PropertyList list = PropertyList::parse("<dict>" + entries + "</dict>").value();
-    return list.toXML();
-}
 
 const std::string oldFile = listOf("<key>data</key><data>AA==</data><key>look</key><false/>");
 const std::string newFile = listOf("<key>data</key><data>AA==</data><key>look</key><true/>");

@@ -81,12 +81,12 @@ TEST_F(GNUstepPropertyListsTest, MayBeEmpty) {
     EXPECT_THAT(lists.dictionaryWithContentsOfFile(folder / "list"), Optional(IsEmpty()));
 }
 
-TEST_F(GNUstepPropertyListsTest, IsNotSoughtBeyondSixteenMebibytes) {
+TEST_F(GNUstepPropertyListsTest, IsNotSoughtBeyondFourMebibytes) {
     folder.write("list", "");
     std::filesystem::resize_file(folder / "list", 64 * 1024 * 1024);
     calls.mostBytesAtOnce = 4096;
     EXPECT_EQ(lists.dictionaryWithContentsOfFile(folder / "list"), std::nullopt);
-    EXPECT_EQ(calls.count("read"), 16 * 1024 * 1024 / 4096 + 1);
+    EXPECT_EQ(calls.count("read"), 4 * 1024 * 1024 / 4096 + 1);
 }
 
 class NoPropertyList : public GNUstepPropertyListsTest, public testing::WithParamInterface<std::string> {};
@@ -131,9 +131,9 @@ TEST_F(GNUstepPropertyListsTest, IsNoneInAFileWhoseReadFailsHalfWay) {
     EXPECT_EQ(lists.dictionaryWithContentsOfFile(folder / "list"), std::nullopt);
 }
 
-TEST_F(GNUstepPropertyListsTest, IsReadUpToSixteenMebibytesAndNoFurther) {
+TEST_F(GNUstepPropertyListsTest, IsReadUpToFourMebibytesAndNoFurther) {
     const std::string list = xmlList(versionDictionary);
-    constexpr std::size_t largest = 16 * 1024 * 1024;
+    constexpr std::size_t largest = 4 * 1024 * 1024;
     folder.write("list", list + std::string(largest - list.size(), ' '));
     EXPECT_THAT(lists.dictionaryWithContentsOfFile(folder / "list"),
                 Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
