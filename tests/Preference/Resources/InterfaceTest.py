@@ -203,7 +203,7 @@ class Languages(unittest.TestCase):
             for key, text in table.items():
                 if key.endswith(".toolTip"):
                     with self.subTest(f"{language} {key}"):
-                        self.assertRegex(text, r"^[^.。]+[.。]$")
+                        self.assertRegex(text, r"^[^.。;；（(]+[.。]$")
 
     def test_no_two_controls_of_a_language_have_the_same_tool_tip(self):
         for language, table in self.tables.items():
