@@ -14,7 +14,10 @@ namespace vantrel {
 
 namespace enablerPaths {
 
-/// Final Cut Pro's version record, a property list.
+/// Final Cut Pro itself.
+inline constexpr std::string_view application = "/Applications/Final Cut Pro.app";
+
+/// Its version record, a property list.
 inline constexpr std::string_view versionRecord = "/Applications/Final Cut Pro.app/Contents/version.plist";
 
 /// The enabler that Final Cut Pro reads.

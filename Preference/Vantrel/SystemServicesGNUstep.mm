@@ -1,4 +1,5 @@
 #include "Preference/Vantrel/SystemServices.h"
+#include "host/EnablerSwitch.h"
 #import "overrides/InstalledMetadataDictionary.h"
 #import "overrides/MetadataDictionaryOverrides.h"
 #import "platform/cocoa/CocoaFolders.h"
@@ -15,7 +16,7 @@ const Services& systemServices() {
     static gnustep::GNUstepPreferences preferences(cocoa::defaultsFolder(), log);
     static MetadataDictionaryOverrides overrides(installedMetadataDictionary());
     static linux::SysfsProcessors processors;
-    static posix::PosixFiles files;
+    static posix::PosixFiles files(posix::SystemCalls::real(), std::string(enablerPaths::application));
     static gnustep::GNUstepPropertyLists propertyLists;
     static cocoa::CocoaAlerts alerts;
     static cocoa::CocoaNotifications notifications;

@@ -5,21 +5,18 @@
 namespace vantrel::posix {
 namespace {
 
-// Nanoseconds.
-constexpr long firstPause = 1'000'000;
-constexpr long longestPause = 5'000'000;
+constexpr long longestPause = 5'000'000;  // nanoseconds
 
 }  // namespace
 
-Patience::Patience(SystemCalls& calls, double longest) : calls_(calls), end_(now()), pause_(firstPause) {
-    if (!end_) return;
-    random_.seed(static_cast<std::minstd_rand::result_type>(*end_ * 1e9));
-    *end_ += longest;
-}
-
 bool Patience::pause() {
     const auto time = now();
-    if (!time || !end_ || *time >= *end_) return false;
+    if (!time) return false;
+    if (!end_) {
+        random_.seed(static_cast<std::minstd_rand::result_type>(static_cast<long long>(*time * 1e9)));
+        end_ = *time + longest_;
+    }
+    if (*time >= *end_) return false;
     calls_.nanosleep({0, std::uniform_int_distribution(pause_ / 2, pause_)(random_)});
     pause_ = std::min(2 * pause_, longestPause);
     return true;

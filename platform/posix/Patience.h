@@ -11,8 +11,8 @@ namespace vantrel::posix {
 /// processes that wait for the same thing don't keep in step.
 class Patience {
 public:
-    /// From now on, for `longest` seconds in all.
-    Patience(SystemCalls& calls, double longest);
+    /// For `longest` seconds in all, from the first pause on.
+    Patience(SystemCalls& calls, double longest) : calls_(calls), longest_(longest) {}
 
     /// Pauses. False, at once, when the time is over or there is no telling.
     [[nodiscard]] bool pause();
@@ -22,8 +22,10 @@ private:
     std::optional<double> now();
 
     SystemCalls& calls_;
+    double longest_;
     std::optional<double> end_;
-    long pause_;
+    /// The longest that the next pause may be, in nanoseconds.
+    long pause_ = 1'000'000;
     std::minstd_rand random_;
 };
 

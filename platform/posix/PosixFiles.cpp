@@ -2,12 +2,12 @@
 
 #include <array>
 #include <cerrno>
-#include <filesystem>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileContents.h"
 #include "platform/posix/Folders.h"
 #include "platform/posix/TemporaryFile.h"
+#include "platform/posix/Trouble.h"
 
 namespace vantrel::posix {
 
@@ -15,61 +15,9 @@ namespace {
 
 constexpr mode_t permissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
 
-/// What went wrong, and where: `error` is an `errno`, `path` what a person has to look at.
-struct Trouble {
-    int error;
-    std::string path;
-};
-
-std::string nameOf(const std::string& path) {
-    return std::filesystem::path(path).filename().string();
-}
-
-struct Reason {
-    int error;
-    const char* text;
-};
-
-/// The reasons in our own words: the system's own come in the language of the process, and many are obscure.
-constexpr auto reasons = std::to_array<Reason>({
-    {EACCES, "permission is denied here"},
-    {EBUSY, "this is in use"},
-    {EDQUOT, "your share of the disk is used up here"},
-    {EEXIST, "this already exists"},
-    {EFBIG, "the file is too large for the disk here"},
-    {EINVAL, "the disk here can’t rename without the risk of overwriting"},
-    {EIO, "the disk reports an error here"},
-    {EISDIR, "this is a folder"},
-    {ELOOP, "too many links lead to this"},
-    {EMFILE, "too many files are open to use this one"},
-    {ENAMETOOLONG, "this path or a name in it is too long"},
-    {ENFILE, "too many files are open to use this one"},
-    {ENODEV, "this is no ordinary file"},
-    {ENOENT, "this doesn’t exist"},
-    {ENOMEM, "too little memory is free to use this"},
-    {ENOSPC, "the disk is full here"},
-    {ENOSYS, "the system can’t rename without the risk of overwriting this"},
-    {ENOTDIR, "a part of this path is no folder"},
-    {EPERM, "the system doesn’t permit it here"},
-    {EROFS, "the disk here can only be read"},
-    {EXDEV, "this is on another disk"},
-});
-
-std::string reasonFor(int error) {
-    for (const auto& reason : reasons) {
-        if (reason.error == error) return reason.text;
-    }
-    return "the system reports error " + std::to_string(error) + " here";
-}
-
-std::string sentence(const std::string& subject, const std::string& what, const Trouble& trouble) {
-    return "“" + nameOf(subject) + "” couldn’t be " + what + " because " + reasonFor(trouble.error) + ": " +
-           trouble.path;
-}
-
-std::string sentence(const std::string& subject, const std::string& what, const std::string& destination,
+std::string sentence(const std::string& subject, const std::string& predicate, const std::string& destination,
                      const Trouble& trouble) {
-    return sentence(subject, what + " to “" + nameOf(folderOf(destination)) + "”", trouble);
+    return sentence(subject, predicate + " to “" + nameOf(folderOf(destination)) + "”", trouble);
 }
 
 /// What a move that failed with `error` is to be blamed on; the system names neither of its two paths.
@@ -103,19 +51,6 @@ std::optional<Trouble> fill(SystemCalls& calls, const Descriptor& copy, const st
     return std::nullopt;
 }
 
-std::optional<Trouble> copyFile(SystemCalls& calls, const std::string& from, const std::string& to) {
-    struct stat status {};
-    const Descriptor source(calls, openToRead(calls, from, status));
-    if (!source.isOpen()) return Trouble{errno, from};
-
-    TemporaryFile copy(calls);
-    if (copy.create(folderOf(to)) != 0) return Trouble{errno, folderOf(to)};
-
-    auto trouble = fill(calls, copy.file(), to, source, from, status.st_mode & permissionBits);
-    if (!trouble && copy.renameNoReplace(to) != 0) trouble = Trouble{errno, to};
-    return trouble;
-}
-
 }  // namespace
 
 bool PosixFiles::fileExistsAtPath(const std::string& path) {
@@ -126,19 +61,65 @@ bool PosixFiles::fileExistsAtPath(const std::string& path) {
 }
 
 FileFailure PosixFiles::moveItemAtPath(const std::string& from, const std::string& to) {
-    if (calls_.renameNoReplace(from.c_str(), to.c_str()) == 0) return std::nullopt;
-    return sentence(from, "moved", to, troubleOfMove(calls_, errno, from, to));
+    const auto fail = [&](const Trouble& trouble) { return sentence(from, "couldn’t be moved", to, trouble); };
+    for (const auto& path : {from, to}) {
+        if (const auto trouble = linkOnTheWayTo(path)) return fail(*trouble);
+    }
+    if (calls_.renameNoReplace(from.c_str(), to.c_str()) != 0) return fail(troubleOfMove(calls_, errno, from, to));
+    const bool staysInItsFolder = folderOf(from) == folderOf(to);
+    if (flush(folderOf(to)) == 0 && (staysInItsFolder || flush(folderOf(from)) == 0)) return std::nullopt;
+    const Trouble trouble{errno, folderOf(to)};
+    calls_.renameNoReplace(to.c_str(), from.c_str());
+    return fail(trouble);
 }
 
 FileFailure PosixFiles::copyItemAtPath(const std::string& from, const std::string& to) {
-    const auto trouble = copyFile(calls_, from, to);
+    const auto trouble = copyFile(from, to);
     if (!trouble) return std::nullopt;
-    return sentence(from, "copied", to, *trouble);
+    return sentence(from, "couldn’t be copied", to, *trouble);
 }
 
 FileFailure PosixFiles::removeItemAtPath(const std::string& path) {
-    if (calls_.unlink(path.c_str()) == 0) return std::nullopt;
-    return sentence(path, "removed", {errno, path});
+    auto trouble = linkOnTheWayTo(path);
+    if (!trouble && calls_.unlink(path.c_str()) != 0) trouble = Trouble{errno, path};
+    if (trouble) return sentence(path, "couldn’t be removed", *trouble);
+    // What is gone can't be had back, whether it stays gone or not.
+    (void)flush(folderOf(path));
+    return std::nullopt;
+}
+
+/// The first link on the way from `linkFree_` to the folder of `path`, if that is below.
+std::optional<Trouble> PosixFiles::linkOnTheWayTo(const std::string& path) {
+    if (linkFree_.empty() || !path.starts_with(linkFree_ + '/')) return std::nullopt;
+    for (auto end = path.find('/', linkFree_.size() + 1); end != std::string::npos; end = path.find('/', end + 1)) {
+        const auto folder = path.substr(0, end);
+        struct stat status {};
+        if (calls_.lstat(folder.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) return Trouble{ELOOP, folder};
+    }
+    return std::nullopt;
+}
+
+/// 0, or -1 and `errno`. Nothing is written through in a folder that can't be opened: whoever may only write there has
+/// no way to.
+int PosixFiles::flush(const std::string& folder) {
+    const Descriptor descriptor(calls_, openFolder(calls_, folder));
+    return descriptor.isOpen() ? flushFolder(calls_, descriptor.number()) : 0;
+}
+
+std::optional<Trouble> PosixFiles::copyFile(const std::string& from, const std::string& to) {
+    if (auto trouble = linkOnTheWayTo(to)) return trouble;
+    struct stat status {};
+    const Descriptor source(calls_, openToRead(calls_, from, status));
+    if (!source.isOpen()) return Trouble{errno, from};
+
+    TemporaryFile copy(calls_);
+    if (copy.create(folderOf(to)) != 0) return Trouble{errno, folderOf(to)};
+    if (auto trouble = fill(calls_, copy.file(), to, source, from, status.st_mode & permissionBits)) return trouble;
+    if (copy.renameNoReplace(to) != 0) return Trouble{errno, to};
+    if (flush(folderOf(to)) == 0) return std::nullopt;
+    Trouble trouble{errno, folderOf(to)};
+    calls_.unlink(to.c_str());
+    return trouble;
 }
 
 }  // namespace vantrel::posix

@@ -43,14 +43,32 @@ int FileReplacement::prepare(std::string_view bytes) {
     folder_.emplace(calls_, openFolder(calls_, folder));
     if (!folder_->isOpen() || file_.create(folder) != 0) return -1;
     const int file = file_.file().number();
-    return writeAll(calls_, file, bytes.data(), bytes.size()) == 0 ? calls_.fsync(file) : -1;
+    if (writeAll(calls_, file, bytes.data(), bytes.size()) != 0) return -1;
+    setTime();
+    return calls_.fsync(file);
 }
 
-int FileReplacement::place(struct stat* status) {
-    if (file_.rename(target_) != 0) return -1;
+void FileReplacement::setTime() {
+    struct timespec now {};
+    if (calls_.clockGettime(CLOCK_REALTIME, &now) != 0) return;
+    // The kernel stamps with whole ticks, and coarser disks keep even numbers of nanoseconds.
+    now.tv_nsec |= 1;
+    const std::array<struct timespec, 2> times{now, now};
+    if (calls_.futimens(file_.file().number(), times.data()) == 0) time_ = now;
+}
+
+int FileReplacement::place(struct stat* status, InPlace inPlace) {
+    int placed = inPlace == InPlace::nothing ? file_.renameNoReplace(target_) : file_.rename(target_);
+    const bool cantTell = placed != 0 && inPlace == InPlace::nothing && (errno == EINVAL || errno == ENOSYS);
+    if (cantTell) placed = file_.rename(target_);
+    if (placed != 0) return -1;
     // Asked after the renaming, which changes the file's times.
     if (status && calls_.fstat(file_.file().number(), status) != 0) *status = {};
     return 0;
+}
+
+bool FileReplacement::isAsMade(const struct stat& status) const {
+    return time_.tv_nsec != 0 && status.st_mtim.tv_sec == time_.tv_sec && status.st_mtim.tv_nsec == time_.tv_nsec;
 }
 
 int FileReplacement::settle() {

@@ -16,6 +16,12 @@ enum class Links {
     replaced,  ///< the link is, and what it leads to stays
 };
 
+/// What may stand in a file's place when the new one comes there.
+enum class InPlace {
+    anything,  ///< but a folder; it is replaced
+    nothing,   ///< EEXIST otherwise. Where the disk can't tell while it renames, what stands there is replaced.
+};
+
 /// A file's next content, on its way into the file's place in three steps: ready beside it, then in its place, then
 /// lasting. Whatever fails or is left out, the file holds all of its old content or all of its new one. Each step
 /// returns 0, or -1 and `errno`.
@@ -28,8 +34,12 @@ public:
     /// left there on their way is removed.
     [[nodiscard]] int prepare(std::string_view bytes);
 
-    /// Renames the new file over the old one. `status`, if wanted, is told about it; all zeros when that isn't known.
-    [[nodiscard]] int place(struct stat* status = nullptr);
+    /// Gives the new file the old one's name. `status`, if wanted, is told about it; all zeros when that isn't known.
+    [[nodiscard]] int place(struct stat* status = nullptr, InPlace inPlace = InPlace::anything);
+
+    /// Whether the file of that `status` is the one that was placed, as it was made: whatever anybody does to it later
+    /// gives it another time. Its own was chosen so that no clock's tick has it.
+    bool isAsMade(const struct stat& status) const;
 
     /// Writes the renaming through to the disk.
     [[nodiscard]] int settle();
@@ -38,11 +48,15 @@ public:
     const std::string& target() const { return target_; }
 
 private:
+    void setTime();
+
     SystemCalls& calls_;
     std::string target_;
     Links links_;
     std::optional<Descriptor> folder_;
     TemporaryFile file_;
+    /// When the new file says that it was written.
+    struct timespec time_ {};
 };
 
 /// Replaces the file at `path` with one that holds `bytes`, mode 0600, whole and lasting. -1 and `errno` on failure:

@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
@@ -31,6 +32,10 @@ int SystemCalls::fsync(int descriptor) {
 
 int SystemCalls::fchmod(int descriptor, mode_t mode) {
     return ::fchmod(descriptor, mode);
+}
+
+int SystemCalls::futimens(int descriptor, const struct timespec times[2]) {
+    return ::futimens(descriptor, times);
 }
 
 int SystemCalls::fstat(int descriptor, struct stat* status) {
@@ -65,6 +70,10 @@ int SystemCalls::renameNoReplace(const char* from, const char* to) {
 #endif
 }
 
+int SystemCalls::link(const char* from, const char* to) {
+    return ::link(from, to);
+}
+
 int SystemCalls::unlink(const char* path) {
     return ::unlink(path);
 }
@@ -86,11 +95,19 @@ int SystemCalls::scandir(const char* path, struct dirent*** names, int (*isWante
 }
 
 int SystemCalls::nanosleep(const struct timespec& duration) {
-    return ::nanosleep(&duration, nullptr);
+    struct timespec left = duration;
+    int slept = -1;
+    while ((slept = ::nanosleep(&left, &left)) != 0 && errno == EINTR) {
+    }
+    return slept;
 }
 
 int SystemCalls::clockGettime(clockid_t clock, struct timespec* time) {
     return ::clock_gettime(clock, time);
+}
+
+long SystemCalls::sysconf(int name) {
+    return ::sysconf(name);
 }
 
 SystemCalls& SystemCalls::real() {

@@ -21,6 +21,8 @@ public:
     virtual ssize_t write(int descriptor, const void* buffer, std::size_t size);
     virtual int fsync(int descriptor);
     virtual int fchmod(int descriptor, mode_t mode);
+    /// Sets when an open file was last read and written, in that order.
+    virtual int futimens(int descriptor, const struct timespec times[2]);
     virtual int fstat(int descriptor, struct stat* status);
     virtual int stat(const char* path, struct stat* status);
     virtual int lstat(const char* path, struct stat* status);
@@ -30,6 +32,7 @@ public:
     virtual int rename(const char* from, const char* to);
     /// Renames only if nothing stands at `to`, decided by the kernel in one step; EEXIST otherwise.
     virtual int renameNoReplace(const char* from, const char* to);
+    virtual int link(const char* from, const char* to);
     virtual int unlink(const char* path);
     virtual int mkdir(const char* path, mode_t mode);
     virtual int rmdir(const char* path);
@@ -37,8 +40,10 @@ public:
     virtual int flock(int descriptor, int operation);
     /// Finds the names in a folder that `isWanted`, as many as are returned; they and their array are to be freed.
     virtual int scandir(const char* path, struct dirent*** names, int (*isWanted)(const struct dirent*));
+    /// Pauses for as long, signals or not.
     virtual int nanosleep(const struct timespec& duration);
     virtual int clockGettime(clockid_t clock, struct timespec* time);
+    virtual long sysconf(int name);
 
     /// The system itself.
     static SystemCalls& real();

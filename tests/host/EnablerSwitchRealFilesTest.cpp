@@ -236,21 +236,27 @@ std::string nameOf(const testing::TestParamInfo<Click>& test) {
 /// The calls that every click begins with: reading the version record, looking for the version enabler.
 const Lines beginning{"open", "fstat", "read", "read", "close", "stat"};
 
-/// Copying the version enabler.
-const Lines copying{"open", "fstat",  "scandir", "mkostemp",        "flock", "fstat",
-                    "read", "write",  "read",    "write",           "read",  "write",
-                    "read", "fchmod", "fsync",   "renameNoReplace", "close", "close"};
-
 Lines operator+(Lines first, const Lines& second) {
     first.insert(first.end(), second.begin(), second.end());
     return first;
 }
 
+/// Writing the folder through to the disk.
+const Lines flushing{"open", "fsync", "close"};
+
+const Lines moving = Lines{"renameNoReplace"} + flushing;
+const Lines removing = Lines{"unlink"} + flushing;
+
+/// Copying the version enabler.
+const Lines copying = Lines{"open", "fstat", "scandir", "mkostemp", "flock", "fstat",  "read",  "write",
+                            "read", "write", "read",    "write",    "read",  "fchmod", "fsync", "renameNoReplace"} +
+                      flushing + Lines{"close", "close"};
+
 const std::vector<Click> clicks{
-    {State::inactive, true, Result::done, State::active, beginning + Lines{"renameNoReplace"} + copying},
+    {State::inactive, true, Result::done, State::active, beginning + moving + copying},
     {State::inactive, false, Result::noBackup, State::inactive, beginning + Lines{"stat"}},
     {State::active, true, Result::saveFailed, State::active, beginning + Lines{"renameNoReplace"}},
-    {State::active, false, Result::done, State::inactive, beginning + Lines{"stat", "unlink", "renameNoReplace"}},
+    {State::active, false, Result::done, State::inactive, beginning + Lines{"stat"} + removing + moving},
     {State::broken, true, Result::saveFailed, State::broken, beginning + Lines{"renameNoReplace", "lstat"}},
     {State::broken, false, Result::deleteFailed, State::broken, beginning + Lines{"stat", "unlink"}},
     {State::empty, true, Result::saveFailed, State::empty, beginning + Lines{"renameNoReplace", "lstat"}},
@@ -273,38 +279,32 @@ TEST_P(EnablerSwitchOnRealFiles, LeavesTheFolderTheCheckBoxTheKeyAndTheLogAsTheS
     EXPECT_THAT(strangers(), IsEmpty());
 }
 
-/// Whether the copy succeeds without the call number `failing`: removing what others left, locking the new file,
-/// looking whether it is still there (or else it is made again), closing.
-bool copiesWithout(const Lines& calls, std::size_t failing) {
-    const auto& name = calls[failing];
-    return name == "scandir" || name == "flock" || name == "close" ||
-           (name == "fstat" && calls[failing - 1] == "flock");
-}
-
 /// What a click comes to whose system call number `failing`, counted from 0, fails.
 struct Failed {
     Result result;
     State after;
 };
 
+/// Whether nothing depends on the call number `number`: it closes a file, finds out what to blame for a failure, cares
+/// for what others left, or opens a folder that is to be written through.
+bool canBeDoneWithout(const Lines& calls, std::size_t number) {
+    const auto& name = calls[number];
+    if (name == "close" || name == "lstat" || name == "scandir" || name == "flock") return true;
+    if (name == "open") return number + 1 < calls.size() && calls[number + 1] == "fsync";
+    return name == "fstat" && calls[number - 1] == "flock";
+}
+
 Failed withFailing(const Click& click, std::size_t failing) {
-    const bool readsRecord = failing < 4;
-    const bool looksForEnabler = failing == 5;
-    const bool actsFirst = failing == beginning.size();
-    if (readsRecord) return {Result::noFinalCutPro, click.from};
-    if (looksForEnabler) return {Result::noVersionEnabler, click.from};
-    if (click.on) {
-        if (actsFirst) return {Result::saveFailed, click.from};
-        const bool copies = click.from == State::inactive && failing > beginning.size();
-        if (copies && !copiesWithout(click.calls, failing)) return {Result::copyFailed, State::inactive};
-    } else {
-        if (actsFirst) return {Result::noBackup, click.from};
-        if (click.calls[failing] == "unlink") return {Result::deleteFailed, click.from};
-        const bool movesBack = click.calls[failing] == "renameNoReplace";
-        if (movesBack) return {Result::done, State::broken};
-    }
-    // Closing a file that was read, or finding out what to blame for a failure.
-    return {click.result, click.after};
+    const auto& name = click.calls[failing];
+    if (failing < 4) return {Result::noFinalCutPro, click.from};
+    if (failing == 5) return {Result::noVersionEnabler, click.from};
+    if (canBeDoneWithout(click.calls, failing)) return {click.result, click.after};
+    const auto step = failing - beginning.size();
+    if (click.on) return {step < moving.size() ? Result::saveFailed : Result::copyFailed, click.from};
+    if (step == 0) return {Result::noBackup, click.from};
+    if (name == "unlink") return {Result::deleteFailed, click.from};
+    const bool movesBack = step > removing.size();
+    return {click.result, movesBack ? State::broken : click.after};
 }
 
 /// Lets the call number `failing` of all calls, counted from 0, fail.
@@ -333,7 +333,7 @@ TEST_P(EnablerSwitchOnRealFiles, SpringsBackAndLosesNothingWhicheverSystemCallFa
 TEST(EnablerSwitchOnRealFilesTwice, IsLeftBrokenWhenTheCopyFailsAndTheMoveBackToo) {
     makeFolderBe(State::inactive);
     Switch it;
-    it.calls.fail("fsync", ENOSPC);
+    it.calls.failNth("fsync", 2, ENOSPC);
     it.calls.failNth("renameNoReplace", 2, EIO);
     it.click(true);
     expectResult(it, true, Result::copyFailed);
@@ -455,7 +455,7 @@ TEST(EnablerSwitchOnRealFilesTwice, SwitchingOffIsBrokenBetweenItsTwoSteps) {
 TEST(EnablerSwitchKilled, WhileItCopiesCanBeMendedByHand) {
     makeFolderBe(State::inactive);
     const auto beforeFsync = static_cast<std::size_t>(
-        std::find(clicks[0].calls.begin(), clicks[0].calls.end(), "fsync") - clicks[0].calls.begin() + 1);
+        std::find(clicks[0].calls.begin(), clicks[0].calls.end(), "fchmod") - clicks[0].calls.begin() + 2);
     ASSERT_TRUE(killedDuring(true, [&](Switch& it) { killAtCall(it, beforeFsync, Moment::before); }));
     EXPECT_EQ(stateOfTheFolder(), State::broken);
     fs::rename(backup, active);
@@ -464,6 +464,82 @@ TEST(EnablerSwitchKilled, WhileItCopiesCanBeMendedByHand) {
     it.click(true);
     expectResult(it, true, Result::done);
     EXPECT_EQ(stateOfTheFolder(), State::active);
+}
+
+// Links that somebody planted in Final Cut Pro's folder
+
+/// The pane's part as the host has it: no link below Final Cut Pro is followed.
+struct BoundedSwitch : Switch {
+    posix::PosixFiles bounded{calls, std::string(enablerPaths::application)};
+    EnablerSwitch boundedSwitch{bounded, propertyLists, alerts, log, store};
+
+    std::optional<long> turn(bool on) { return boundedSwitch.turn(on ? onState : offState); }
+};
+
+/// A folder of somebody's whose files must stay as they are.
+struct EnablerSwitchLinks : testing::Test {
+    EnablerSwitchLinks() {
+        makeFolderBe(State::inactive);
+        fs::create_directory(victim);
+        for (const auto& name : {"RT Software Enabler.txt", "RT Software EnablerA.txt"}) {
+            writeFile(victim + "/" + name, "precious");
+        }
+    }
+
+    void expectVictimUntouched() {
+        EXPECT_THAT(namesIn(victim), ElementsAre("RT Software Enabler.txt", "RT Software EnablerA.txt"));
+        for (const auto& name : namesIn(victim)) EXPECT_EQ(contentsOf(victim + "/" + name), "precious");
+    }
+
+    const std::string victim = "/Library/somebody's";
+};
+
+TEST_F(EnablerSwitchLinks, InPlaceOfAnyOfItsFoldersLeadNoWriteOutside) {
+    for (fs::path folder = enablers; folder != enablerPaths::application; folder = folder.parent_path()) {
+        makeFolderBe(State::inactive);
+        fs::create_directory(victim);
+        // What is below the folder has its place below the victim's.
+        const auto below = victim / fs::path(enablers).lexically_relative(folder);
+        fs::create_directories(below);
+        for (const auto& path : {active, backup}) writeFile(below / fs::path(path).filename(), "precious");
+        if (folder.filename() == "Contents") writeFile(victim + "/version.plist", xmlVersionRecord);
+        fs::remove_all(folder);
+        fs::create_directory_symlink(victim, folder);
+
+        for (const bool on : {true, false}) {
+            BoundedSwitch it;
+            EXPECT_EQ(it.turn(on), on ? offState : onState) << folder;
+            EXPECT_THAT(it.journal.lines().back(), testing::HasSubstr("a link leads here that can’t be followed"));
+        }
+        for (const auto& path : {active, backup}) {
+            EXPECT_EQ(contentsOf(below / fs::path(path).filename()), "precious") << folder;
+        }
+        EXPECT_THAT(namesIn(below), testing::IsSupersetOf({fs::path(active).filename(), fs::path(backup).filename()}));
+    }
+}
+
+TEST_F(EnablerSwitchLinks, InPlaceOfTheActiveEnablerAreMovedAndComeBack) {
+    fs::remove(active);
+    fs::create_symlink(victim + "/RT Software Enabler.txt", active);
+    BoundedSwitch it;
+    EXPECT_EQ(it.turn(true), std::nullopt);
+    EXPECT_TRUE(fs::is_symlink(backup));
+    EXPECT_EQ(contentsOf(active), ours);
+    expectVictimUntouched();
+    EXPECT_EQ(it.turn(false), std::nullopt);
+    EXPECT_TRUE(fs::is_symlink(active));
+    expectVictimUntouched();
+}
+
+TEST_F(EnablerSwitchLinks, InPlaceOfTheBackupAreNotWrittenThrough) {
+    for (const std::string& leadsTo : {victim + "/RT Software EnablerA.txt", victim + "/none"}) {
+        fs::remove(backup);
+        fs::create_symlink(leadsTo, backup);
+        BoundedSwitch it;
+        EXPECT_EQ(it.turn(true), offState);
+        EXPECT_EQ(contentsOf(active), theirs);
+        expectVictimUntouched();
+    }
 }
 
 // The exact sentences of the log

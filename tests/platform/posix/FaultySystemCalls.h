@@ -58,6 +58,9 @@ public:
     int fchmod(int descriptor, mode_t mode) override {
         return run("fchmod", [&] { return SystemCalls::fchmod(descriptor, mode); });
     }
+    int futimens(int descriptor, const struct timespec times[2]) override {
+        return run("futimens", [&] { return SystemCalls::futimens(descriptor, times); });
+    }
     int fstat(int descriptor, struct stat* status) override {
         return run("fstat", [&] { return SystemCalls::fstat(descriptor, status); });
     }
@@ -79,6 +82,9 @@ public:
     int renameNoReplace(const char* from, const char* to) override {
         return run("renameNoReplace", [&] { return SystemCalls::renameNoReplace(from, to); });
     }
+    int link(const char* from, const char* to) override {
+        return run("link", [&] { return SystemCalls::link(from, to); });
+    }
     int unlink(const char* path) override {
         return run("unlink", [&] { return SystemCalls::unlink(path); });
     }
@@ -99,6 +105,9 @@ public:
     }
     int clockGettime(clockid_t clock, struct timespec* time) override {
         return run("clockGettime", [&] { return SystemCalls::clockGettime(clock, time); });
+    }
+    long sysconf(int name) override {
+        return run("sysconf", [&] { return SystemCalls::sysconf(name); });
     }
 
 private:

@@ -59,9 +59,31 @@ TEST_F(PosixFilesExistence, WhatMayNotBeLookedAtDoesNotExist) {
 
 using PosixFilesMove = PosixFilesTest;
 
-TEST_F(PosixFilesMove, IsOneSystemCall) {
+TEST_F(PosixFilesMove, IsOneSystemCallThatIsWrittenThrough) {
     EXPECT_EQ(files.moveItemAtPath(folder / "own", folder / "saved"), std::nullopt);
-    EXPECT_THAT(calls.made(), ElementsAre("renameNoReplace"));
+    EXPECT_THAT(calls.made(), ElementsAre("renameNoReplace", "open", "fsync", "close"));
+}
+
+TEST_F(PosixFilesMove, BetweenTwoFoldersIsWrittenThroughInBoth) {
+    folder.makeFolder("other");
+    EXPECT_EQ(files.moveItemAtPath(folder / "own", folder / "other/own"), std::nullopt);
+    EXPECT_EQ(calls.count("fsync"), 2);
+}
+
+TEST_F(PosixFilesMove, ThatCantBeWrittenThroughIsTakenBack) {
+    folder.makeFolder("other");
+    for (const int nth : {1, 2}) {
+        calls.failNth("fsync", nth, EIO);
+        EXPECT_THAT(files.moveItemAtPath(folder / "own", folder / "other/own"),
+                    Optional("“own” couldn’t be moved to “other” because the disk reports an error here: " +
+                             (folder / "other")));
+        EXPECT_EQ(folder.read("own"), "its content");
+    }
+}
+
+TEST_F(PosixFilesMove, InAFolderThatCantBeReadIsDoneAllTheSame) {
+    calls.failEvery("open", EACCES);
+    EXPECT_EQ(files.moveItemAtPath(folder / "own", folder / "saved"), std::nullopt);
 }
 
 /// Not in the table of all systems: GNUstep's NSFileManager, on which macOS's files are tested, misses such a link.
@@ -202,8 +224,9 @@ TEST_F(PosixFilesCopy, IsSeenUnderItsNameOnlyOnceItIsWholeAndOnTheDisk) {
         EXPECT_EQ(folder.names().contains("copy"), calls.count("renameNoReplace") == 1) << "after " << name;
     };
     EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
-    EXPECT_THAT(calls.made(), ElementsAre("open", "fstat", "scandir", "mkostemp", "flock", "fstat", "read", "write",
-                                          "read", "fchmod", "fsync", "renameNoReplace", "close", "close"));
+    EXPECT_THAT(calls.made(),
+                ElementsAre("open", "fstat", "scandir", "mkostemp", "flock", "fstat", "read", "write", "read", "fchmod",
+                            "fsync", "renameNoReplace", "open", "fsync", "close", "close", "close"));
 }
 
 TEST_F(PosixFilesCopy, TheNextOneRemovesWhatAKilledOneLeft) {
@@ -216,13 +239,19 @@ TEST_F(PosixFilesCopy, TheNextOneRemovesWhatAKilledOneLeft) {
 
 TEST_F(PosixFilesCopy, IsHiddenUntilItIsWhole) {
     calls.before = [&](const std::string& name) {
-        if (name != "fsync") return;
+        if (name != "fchmod") return;
         auto names = folder.names();
         names.erase("own");
         EXPECT_THAT(names, ElementsAre(StartsWith(".Vantrel-")));
     };
     EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
-    EXPECT_EQ(calls.count("fsync"), 1);
+}
+
+TEST_F(PosixFilesCopy, ThatCantBeWrittenThroughIsTakenBack) {
+    calls.failNth("fsync", 2, EIO);
+    EXPECT_THAT(files.copyItemAtPath(folder / "own", folder / "copy"),
+                Optional(couldNotBe("copied", "the disk reports an error here: " + folder.path)));
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
 }
 
 /// Every system call of a copy that can make it fail, in order, and whose path is then told.
@@ -294,6 +323,60 @@ TEST_F(PosixFilesRemoval, WithoutPermissionSaysSo) {
     EXPECT_THAT(folder.names(), UnorderedElementsAre("own"));
 }
 
+TEST_F(PosixFilesRemoval, IsWrittenThroughIfThatCanBe) {
+    EXPECT_EQ(files.removeItemAtPath(folder / "own"), std::nullopt);
+    EXPECT_THAT(calls.made(), ElementsAre("unlink", "open", "fsync", "close"));
+    folder.write("own", "its content");
+    calls.fail("fsync", EIO);
+    EXPECT_EQ(files.removeItemAtPath(folder / "own"), std::nullopt);
+}
+
+// Links on the way
+
+/// Below "app" no link is followed; "app/linked" leads to "elsewhere".
+struct PosixFilesLinks : PosixFilesTest {
+    PosixFilesLinks() {
+        folder.makeFolder("app/folder");
+        folder.makeFolder("elsewhere/folder");
+        folder.write("elsewhere/folder/file", "precious");
+        makeLink("../elsewhere", "app/linked");
+    }
+
+    static std::string because(const std::string& path) {
+        return "because a link leads here that can’t be followed: " + path;
+    }
+
+    PosixFiles bounded{calls, folder / "app"};
+};
+
+TEST_F(PosixFilesLinks, AreNotFollowedBelowTheFolder) {
+    const auto theirs = folder / "app/linked/folder/file";
+    const auto why = because(folder / "app/linked");
+    EXPECT_THAT(bounded.moveItemAtPath(theirs, folder / "app/folder/file"), Optional(EndsWith(why)));
+    EXPECT_THAT(bounded.moveItemAtPath(folder / "own", folder / "app/linked/own"), Optional(EndsWith(why)));
+    EXPECT_THAT(bounded.copyItemAtPath(folder / "own", folder / "app/linked/folder/own"), Optional(EndsWith(why)));
+    EXPECT_THAT(bounded.removeItemAtPath(theirs), Optional(EndsWith(why)));
+    EXPECT_EQ(folder.read("elsewhere/folder/file"), "precious");
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("own", "app", "elsewhere"));
+    EXPECT_FALSE(files.fileExistsAtPath(folder / "elsewhere/own"));
+}
+
+TEST_F(PosixFilesLinks, AreFollowedToTheFolderItselfAndOutsideIt) {
+    makeLink("app", "link");
+    PosixFiles behindLink(calls, folder / "link");
+    EXPECT_EQ(behindLink.copyItemAtPath(folder / "own", folder / "link/folder/own"), std::nullopt);
+    EXPECT_EQ(folder.read("app/folder/own"), "its content");
+    makeLink("elsewhere", "other");
+    EXPECT_EQ(bounded.copyItemAtPath(folder / "other/folder/file", folder / "app/file"), std::nullopt);
+    EXPECT_EQ(bounded.removeItemAtPath(folder / "other/folder/file"), std::nullopt);
+}
+
+TEST_F(PosixFilesLinks, AreMovedAndRemovedThemselves) {
+    EXPECT_EQ(bounded.moveItemAtPath(folder / "app/linked", folder / "app/saved"), std::nullopt);
+    EXPECT_EQ(bounded.removeItemAtPath(folder / "app/saved"), std::nullopt);
+    EXPECT_EQ(folder.read("elsewhere/folder/file"), "precious");
+}
+
 // The reasons
 
 struct Reason {
@@ -317,7 +400,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Reason{EACCES, "permission is denied here"}, Reason{EBUSY, "this is in use"},
                     Reason{EDQUOT, "your share of the disk is used up here"}, Reason{EEXIST, "this already exists"},
                     Reason{EINVAL, "the disk here can’t rename without the risk of overwriting"},
-                    Reason{EIO, "the disk reports an error here"}, Reason{ELOOP, "too many links lead to this"},
+                    Reason{EIO, "the disk reports an error here"},
+                    Reason{ELOOP, "a link leads here that can’t be followed"},
                     Reason{ENAMETOOLONG, "this path or a name in it is too long"},
                     Reason{ENOSPC, "the disk is full here"},
                     Reason{ENOSYS, "the system can’t rename without the risk of overwriting this"},

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <functional>
 #include <string>
 
 #include "platform/posix/ReplaceFile.h"
@@ -123,6 +124,55 @@ TEST_F(ReplaceFileTest, ALinkThatIsNotToBeFollowedIsReplacedItself) {
     EXPECT_EQ(folder.read("elsewhere/file"), "old");
 }
 
+TEST_F(ReplaceFileTest, WhereNothingMayBeAFileThatCameMeanwhileStays) {
+    FileReplacement replacement(calls, folder / "fresh");
+    ASSERT_EQ(replacement.prepare("new content"), 0);
+    folder.write("fresh", "another's");
+    EXPECT_EQ(replacement.place(nullptr, InPlace::nothing), -1);
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(folder.read("fresh"), "another's");
+}
+
+TEST_F(ReplaceFileTest, WhereTheDiskCantTellThatNothingIsThereTheNewFileComesAllTheSame) {
+    for (const int error : {EINVAL, ENOSYS}) {
+        FileReplacement replacement(calls, folder / "fresh");
+        ASSERT_EQ(replacement.prepare("new content"), 0);
+        calls.fail("renameNoReplace", error);
+        EXPECT_EQ(replacement.place(nullptr, InPlace::nothing), 0);
+        EXPECT_EQ(folder.read("fresh"), "new content");
+    }
+}
+
+/// The `status` of a file that was placed and then, within the same tick of the clock, changed by `change`.
+struct AsMadeTest : ReplaceFileTest {
+    bool isAsMade(const std::function<void()>& change) {
+        FileReplacement replacement(calls, folder / "own");
+        EXPECT_EQ(replacement.prepare("new content"), 0);
+        EXPECT_EQ(replacement.place(), 0);
+        change();
+        struct stat status {};
+        EXPECT_EQ(stat((folder / "own").c_str(), &status), 0);
+        return replacement.isAsMade(status);
+    }
+};
+
+TEST_F(AsMadeTest, AFileThatNobodyChangedIsAsMade) {
+    EXPECT_TRUE(isAsMade([] {}));
+}
+
+TEST_F(AsMadeTest, AFileThatAnyoneWroteIntoIsNot) {
+    for (int round = 0; round < 100; ++round) {
+        EXPECT_FALSE(isAsMade([&] { folder.write("own", "new content"); }));
+    }
+}
+
+TEST_F(AsMadeTest, AFileWhoseTimeCouldntBeSetIsNot) {
+    calls.fail("futimens", EPERM);
+    EXPECT_FALSE(isAsMade([] {}));
+    calls.fail("clockGettime", EINVAL);
+    EXPECT_FALSE(isAsMade([] {}));
+}
+
 TEST_F(ReplaceFileTest, AFolderIsNotReplaced) {
     folder.makeFolder("in the way");
     EXPECT_EQ(replace("in the way"), -1);
@@ -134,9 +184,11 @@ TEST_F(ReplaceFileTest, AFolderWithNothingToWriteThroughIsNoFailure) {
     EXPECT_EQ(replace("own"), 0);
 }
 
-/// Removing what others left, the lock that keeps them from removing ours, and the second try that a look at it costs.
+/// Removing what others left, the lock that keeps them from removing ours, the second try that a look at it costs, and
+/// the time by which later changes are told.
 bool canBeDoneWithout(const std::string& call) {
-    return call == "close" || call == "scandir" || call == "flock" || call == "fstat";
+    return call == "close" || call == "scandir" || call == "flock" || call == "fstat" || call == "clockGettime" ||
+           call == "futimens";
 }
 
 TEST_F(ReplaceFileTest, WhateverFailsTheFileIsWholeAndNothingElseStays) {
