@@ -1,5 +1,8 @@
 #include "platform/linux/SysfsProcessors.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <set>
@@ -59,17 +62,16 @@ std::optional<std::int32_t> numberIn(posix::SystemCalls& calls, const std::strin
 }  // namespace
 
 std::int32_t SysfsProcessors::physicalCPUCount() {
-    const auto online = posix::contentsOfFile(calls_, root_ + "/online", longestFile);
-    if (!online) return 0;
+    const auto online = processorsIn(posix::contentsOfFile(calls_, root_ + "/online", longestFile).value_or(""));
+    if (online.empty()) return static_cast<std::int32_t>(std::max(calls_.sysconf(_SC_NPROCESSORS_ONLN), 0L));
 
     std::set<std::pair<std::int32_t, std::int32_t>> cores;
     std::int32_t coresOfTheirOwn = 0;
-    for (const auto processor : processorsIn(*online)) {
+    for (const auto processor : online) {
         const std::string topology = root_ + "/cpu" + std::to_string(processor) + "/topology/";
         const auto package = numberIn(calls_, topology + "physical_package_id");
         const auto core = numberIn(calls_, topology + "core_id");
-        if (!package || !core) continue;
-        if (*package < 0 || *core < 0) {
+        if (package.value_or(-1) < 0 || core.value_or(-1) < 0) {
             ++coresOfTheirOwn;
         } else {
             cores.emplace(*package, *core);

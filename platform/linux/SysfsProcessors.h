@@ -16,9 +16,10 @@ public:
         : root_(std::move(root)), calls_(calls) {}
 
     /// Counts the cores of the processors that are online now: those with the same package and core are threads of
-    /// one. A processor for which the kernel knows no package or no core (it tells -1, on virtual machines and small
-    /// boards) is taken for a core of its own. One that tells nothing isn't counted: it went offline meanwhile, or
-    /// the folder can't be read.
+    /// one. A processor that tells no package or no core is taken for a core of its own: the kernel knows none (it
+    /// tells -1, on virtual machines and small boards), or its files can't be read. Where the list itself can't be
+    /// read, the number of processors online stands in: rather too many than a limit that is lowered for no reason. 0
+    /// when the system doesn't tell that either.
     std::int32_t physicalCPUCount() override;
 
 private:

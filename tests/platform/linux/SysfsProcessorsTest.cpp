@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -26,7 +27,13 @@ struct ProcessorTree : testing::Test {
         root.write(topology + "/core_id", core);
     }
 
-    std::int32_t count() { return SysfsProcessors(root.path).physicalCPUCount(); }
+    std::int32_t count() { return SysfsProcessors(root.path, calls).physicalCPUCount(); }
+
+    /// A machine of seven processors online.
+    struct SevenOnline : posix::FaultySystemCalls {
+        long sysconf(int name) override { return name == _SC_NPROCESSORS_ONLN ? 7 : -1; }
+    };
+    SevenOnline calls;
 };
 
 using SysfsProcessorsTest = ProcessorTree;
@@ -89,46 +96,48 @@ TEST_F(SysfsProcessorsTest, WithoutACoreNumberEveryProcessorIsACore) {
     EXPECT_EQ(count(), 3);
 }
 
-TEST_F(SysfsProcessorsTest, AProcessorThatGoesOfflineMeanwhileIsNotCounted) {
+TEST_F(SysfsProcessorsTest, AProcessorThatTellsNothingIsACore) {
     online("0-2\n");
     processor(0, "0\n", "0\n");
-    processor(1, "0\n", "1\n");
+    processor(1, "0\n", "0\n");
     EXPECT_EQ(count(), 2);
 }
 
-TEST_F(SysfsProcessorsTest, WithoutTheListTheSystemDoesNotTell) {
+TEST_F(SysfsProcessorsTest, AProcessorWhoseFilesCantBeReadIsACore) {
+    online("0-1\n");
     processor(0, "0\n", "0\n");
-    EXPECT_EQ(count(), 0);
-}
-
-TEST_F(SysfsProcessorsTest, AFolderThatDoesNotExistTellsNothing) {
-    EXPECT_EQ(SysfsProcessors(root.path + "/missing").physicalCPUCount(), 0);
-}
-
-TEST_F(SysfsProcessorsTest, AnUnreadableListTellsNothing) {
-    online("0\n");
-    processor(0, "0\n", "0\n");
-    posix::FaultySystemCalls calls;
-    calls.fail("read", EIO);
-    EXPECT_EQ(SysfsProcessors(root.path, calls).physicalCPUCount(), 0);
-}
-
-TEST_F(SysfsProcessorsTest, AnUnreadableTopologyTellsNothing) {
-    online("0\n");
-    processor(0, "0\n", "0\n");
-    for (const int nth : {2, 3}) {
-        posix::FaultySystemCalls calls;
+    processor(1, "0\n", "0\n");
+    ASSERT_EQ(count(), 1);
+    for (const int nth : {2, 3, 4, 5}) {
         calls.failNth("open", nth, EACCES);
-        EXPECT_EQ(SysfsProcessors(root.path, calls).physicalCPUCount(), 0) << "open number " << nth;
+        EXPECT_EQ(count(), 2) << "open number " << nth;
     }
+}
+
+TEST_F(SysfsProcessorsTest, WithoutTheListTheProcessorsOnlineStandIn) {
+    processor(0, "0\n", "0\n");
+    EXPECT_EQ(count(), 7);
+}
+
+TEST_F(SysfsProcessorsTest, AnUnreadableListIsNone) {
+    online("0\n");
+    processor(0, "0\n", "0\n");
+    calls.fail("read", EIO);
+    EXPECT_EQ(count(), 7);
+}
+
+TEST_F(SysfsProcessorsTest, ASystemThatTellsNothingHasNone) {
+    posix::FaultySystemCalls failing;
+    failing.failEvery("sysconf", EINVAL);
+    EXPECT_EQ(SysfsProcessors(root.path + "/missing", failing).physicalCPUCount(), 0);
 }
 
 class MalformedList : public ProcessorTree, public testing::WithParamInterface<const char*> {};
 
-TEST_P(MalformedList, TellsNothing) {
+TEST_P(MalformedList, IsNone) {
     online(GetParam());
     for (int core = 0; core < 4; ++core) processor(core, "0\n", std::to_string(core) + "\n");
-    EXPECT_EQ(count(), 0);
+    EXPECT_EQ(count(), 7);
 }
 
 INSTANTIATE_TEST_SUITE_P(SysfsProcessors, MalformedList,
@@ -137,11 +146,12 @@ INSTANTIATE_TEST_SUITE_P(SysfsProcessors, MalformedList,
 
 class MalformedIdentifier : public ProcessorTree, public testing::WithParamInterface<const char*> {};
 
-TEST_P(MalformedIdentifier, LeavesTheProcessorOut) {
-    online("0-1\n");
+TEST_P(MalformedIdentifier, IsNone) {
+    online("0-2\n");
     processor(0, "0\n", GetParam());
     processor(1, "0\n", "1\n");
-    EXPECT_EQ(count(), 1);
+    processor(2, "0\n", "1\n");
+    EXPECT_EQ(count(), 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(SysfsProcessors, MalformedIdentifier,
