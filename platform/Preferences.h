@@ -53,13 +53,36 @@ public:
     virtual void setAppValue(std::string_view key, const NewPreferenceValue& value, std::string_view applicationID) = 0;
 
     /// Looks `key` up as `copyAppValue` does, stores what `change` makes of it as `setAppValue` does, and returns what
-    /// was found. `change` may be called again, until the next successful `synchronize`, and must hold what it needs.
+    /// was found. `change` may be called again until the next successful `synchronize`, with another value if that is
+    /// stored by then, and in the order of these calls; it must hold what it needs. One that makes nothing of what is
+    /// found is forgotten at once.
     virtual PreferenceValue updateAppValue(std::string_view key, const PreferenceChange& change,
                                            std::string_view applicationID) = 0;
 
     /// Makes the writes of the application's domain (current user, any host) lasting and visible to other
     /// processes. Returns false when that failed.
     virtual bool synchronize(std::string_view applicationID) = 0;
+
+private:
+    friend class PreferencesSequence;
+
+    /// For a platform to which it matters that calls belong together.
+    virtual void beginSequence() {}
+    virtual void endSequence() {}
+};
+
+/// Calls that belong together, as long as it lives: a view is set up, or all settings are listed. They see one state of
+/// the store, as it was at the first of them and as they change it, and all waiting in them for other processes is
+/// bounded together. A call outside is a sequence of its own. Sequences don't nest.
+class PreferencesSequence {
+public:
+    explicit PreferencesSequence(Preferences& preferences) : preferences_(preferences) { preferences_.beginSequence(); }
+    PreferencesSequence(const PreferencesSequence&) = delete;
+    PreferencesSequence& operator=(const PreferencesSequence&) = delete;
+    ~PreferencesSequence() { preferences_.endSequence(); }
+
+private:
+    Preferences& preferences_;
 };
 
 }  // namespace vantrel

@@ -21,9 +21,15 @@ Reading SettingsStore::read(const SettingsKey& key, const Surroundings& surround
     return readingOf(key, preferences_.copyAppValue(key.name, codecApplicationID), surroundings);
 }
 
-Reading SettingsStore::repair(const SettingsKey& key, const Surroundings& surroundings) {
-    const auto repaired = [key, surroundings](const PreferenceValue& stored) {
-        return readingOf(key, stored, surroundings).repair;
+Reading SettingsStore::repair(const SettingsKey& key, const Surroundings& surroundings, const AddedBits& added) {
+    const auto repaired = [key, surroundings, added](const PreferenceValue& stored) {
+        const Reading reading = readingOf(key, stored, surroundings);
+        if (const auto* stage = std::get_if<colorProcessingPath::Stage>(&key.path); stage && added) {
+            const long mask = colorProcessingPath::maskOfBit(stage->bit);
+            const bool isSwitchedOn = reading.repair && reading.flag() && *reading.flag();
+            *added = isSwitchedOn ? *added | mask : *added & ~mask;
+        }
+        return reading.repair;
     };
     return readingOf(key, preferences_.updateAppValue(key.name, repaired, codecApplicationID), surroundings);
 }
@@ -78,16 +84,20 @@ void SettingsStore::clearPathBit(std::int32_t bit) {
     synchronize();
 }
 
-void SettingsStore::addToPath(long mask) {
-    updatePath([mask](std::optional<long> stored) { return stored.value_or(0) | mask; });
+void SettingsStore::addToPath(const AddedBits& added) {
+    updatePath([added, first = *added](std::optional<long> stored) -> std::optional<long> {
+        // All flags that were missing are stored after all: a missing path stays missing.
+        if (!stored && first != 0 && *added == 0) return std::nullopt;
+        return stored.value_or(0) | *added;
+    });
 }
 
 void SettingsStore::synchronize() {
     preferences_.synchronize(codecApplicationID);
 }
 
-void SettingsStore::updatePath(const std::function<long(std::optional<long> stored)>& newPath) {
-    const auto change = [newPath](const PreferenceValue& stored) {
+void SettingsStore::updatePath(const NewPath& newPath) {
+    const auto change = [newPath](const PreferenceValue& stored) -> std::optional<NewPreferenceValue> {
         const auto* number = std::get_if<Number>(&stored);
         return newPath(number ? number->longValue : std::nullopt);
     };

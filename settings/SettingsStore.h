@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -10,6 +11,11 @@
 #include "settings/Reading.h"
 
 namespace vantrel {
+
+/// Bits that a set-up adds to `ColorProcessingPath`, those of the stages whose flags it repairs. They follow what
+/// becomes of each repair on its way to the store: a flag that turns out to be stored after all takes its bit out
+/// again.
+using AddedBits = std::shared_ptr<long>;
 
 /// The codec's settings: one preferences domain, read and written key by key. It keeps no copy of any value, and
 /// nothing here reports an error: a key that is absent, mistyped or unreadable has its default.
@@ -21,7 +27,8 @@ public:
     Reading read(const SettingsKey& key, const Surroundings& surroundings = {});
 
     /// The same, and stores the repair, if there is one. Never synchronises: the caller does so once for all its keys.
-    Reading repair(const SettingsKey& key, const Surroundings& surroundings = {});
+    /// `added`, if any, is told the bit of a stage that is switched on thereby.
+    Reading repair(const SettingsKey& key, const Surroundings& surroundings = {}, const AddedBits& added = nullptr);
 
     /// Stores what the user chose, with the key's part of `ColorProcessingPath`, and synchronises once. An index that
     /// is no selection (negative) counts as 0 in a menu and is stored as it is in a radio matrix. A menu's index is
@@ -44,14 +51,17 @@ public:
     /// modulo 32.
     void clearPathBit(std::int32_t bit);
 
-    /// Adds the bits of `mask` to `ColorProcessingPath`, from 0 when it was missing, without synchronising.
-    void addToPath(long mask);
+    /// Adds bits to `ColorProcessingPath`, from 0 when it was missing, without synchronising.
+    void addToPath(const AddedBits& added);
 
     /// Makes all writes so far lasting and visible to other processes.
     void synchronize();
 
 private:
-    void updatePath(const std::function<long(std::optional<long> stored)>& newPath);
+    /// What becomes of `ColorProcessingPath`, of which there is nothing where it is missing, mistyped or unreadable.
+    using NewPath = std::function<std::optional<long>(std::optional<long> stored)>;
+
+    void updatePath(const NewPath& newPath);
     void set(std::string_view key, const NewPreferenceValue& value);
 
     Preferences& preferences_;

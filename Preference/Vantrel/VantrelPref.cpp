@@ -30,6 +30,7 @@ void VantrelPref::initWithBundle(Bundle& bundle) {
 }
 
 void VantrelPref::mainViewDidLoad() {
+    const PreferencesSequence sequence(services_.preferences);
     showVersion();
     const auto overrides = services_.overrides.load();
     showChromaFilter(overrides.get());
@@ -63,10 +64,10 @@ bool VantrelPref::setUpGroup(Group group) {
 }
 
 /// Repairs a key of the table and puts it into its control.
-Reading VantrelPref::setUp(const SettingsKey& key) {
+Reading VantrelPref::setUp(const SettingsKey& key, const AddedBits& stages) {
     switch (key.kind) {
         case Kind::flag:
-            return setUp(outlets_.checkBox(key.outlet), key);
+            return setUp(outlets_.checkBox(key.outlet), key, stages);
         case Kind::row:
             return setUp(outlets_.radioMatrix(key.outlet), key);
         case Kind::item:
@@ -80,8 +81,8 @@ Reading VantrelPref::setUp(const SettingsKey& key) {
     return {};
 }
 
-Reading VantrelPref::setUp(CheckBox& control, const SettingsKey& key) {
-    Reading reading = store_.repair(key);
+Reading VantrelPref::setUp(CheckBox& control, const SettingsKey& key, const AddedBits& stages) {
+    Reading reading = store_.repair(key, {}, stages);
     if (const auto* flag = reading.flag()) control.setState(*flag ? onState : offState);
     if (key.group == Group::hosts) control.setEnabled(true);
     return reading;
@@ -122,17 +123,15 @@ bool VantrelPref::setUpRow(RadioMatrix& control, std::string_view name) {
 void VantrelPref::setUpColorProcessing(bool encoderLimitWasAbsent) {
     bool wrote = false;
     bool synchronizes = false;
-    long stages = 0;
+    // Bit 0 belongs to the check boxes' actions alone.
+    const auto stages = std::make_shared<long>(0);
     for (const auto& key : table_) {
         if (key.group != Group::color) continue;
-        const Reading reading = setUp(key);
+        const Reading reading = setUp(key, stages);
         if (key.repair == Repair::ifAsked) wrote = synchronizes = encoderLimitWasAbsent && reading.isAbsent;
         if (!reading.repair) continue;
         wrote = true;
         synchronizes |= reading.synchronizes;
-        // Bit 0 belongs to the check boxes' actions alone.
-        const auto* stage = std::get_if<colorProcessingPath::Stage>(&key.path);
-        if (stage && reading.flag() && *reading.flag()) stages |= colorProcessingPath::maskOfBit(stage->bit);
     }
     if (wrote) store_.addToPath(stages);
     if (synchronizes) store_.synchronize();

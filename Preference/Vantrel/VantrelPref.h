@@ -61,8 +61,8 @@ public:
     FolderPath& overrides() { return overrides_; }
 
 private:
-    Reading setUp(const SettingsKey& key);
-    Reading setUp(CheckBox& control, const SettingsKey& key);
+    Reading setUp(const SettingsKey& key, const AddedBits& stages = nullptr);
+    Reading setUp(CheckBox& control, const SettingsKey& key, const AddedBits& stages = nullptr);
     Reading setUp(RadioMatrix& control, const SettingsKey& key);
     Reading setUp(PopUpButton& control, const SettingsKey& key);
     bool setUpGroup(Group group);

@@ -16,6 +16,9 @@ namespace {
 constexpr long long settlingTime = 20'000'000;
 constexpr long long settlingTimeOfWholeSeconds = 2'020'000'000;
 
+/// How long another program may take to write a file that it writes in place: a quarter of a second.
+constexpr struct timespec rewritingTime { 0, 250'000'000 };
+
 long long nanoseconds(const struct timespec& time) {
     return static_cast<long long>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
 }
@@ -35,57 +38,78 @@ CachedPropertyList::CachedPropertyList(posix::SystemCalls& calls, std::string pa
 CachedPropertyList::State CachedPropertyList::refresh() {
     struct stat now {};
     if (calls_.stat(path_.c_str(), &now) != 0) {
-        const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+        if (errno != ENOENT && errno != ENOTDIR) return failed();
         isSettled_ = false;
-        keep(isMissing ? State::missing : State::unreadable, {}, {});
-    } else if (!isSettled_ || !posix::isUnchanged(status_, now)) {
-        state_ = read();
+        list_ = {};
+        return becomes(State::missing, {});
     }
-    return state_;
+    if (isSettled_ && posix::isUnchanged(status_, now)) return state_;
+    return read();
 }
 
-void CachedPropertyList::wasReplaced(PropertyList list, std::string bytes, const struct stat& status) {
-    keep(State::readable, std::move(list), std::move(bytes));
+void CachedPropertyList::wasReplaced(PropertyList list, const struct stat& status,
+                                     const posix::FileReplacement& replacement) {
+    list_ = std::move(list);
+    becomes(State::readable, list_.bytes());
     status_ = status;
-    isSettled_ = false;
+    isSettled_ = replacement.isAsMade(status);
 }
 
 CachedPropertyList::State CachedPropertyList::read() {
-    isSettled_ = false;
+    auto bytes = contents();
+    if (!bytes) return failed();
+    const bool isKnown = state_ == State::readable || state_ == State::damaged;
+    if (isKnown && *bytes == bytes_) return state_;
+    auto list = PropertyList::parse(*bytes);
+    if (!list) {
+        calls_.nanosleep(rewritingTime);
+        auto again = contents();
+        if (!again) return failed();
+        if (*again == *bytes) return becomes(State::damaged, std::move(*bytes));
+        bytes = std::move(again);
+        list = PropertyList::parse(*bytes);
+    }
+    if (!list) {
+        errno = EBUSY;
+        return failed();
+    }
+    list_ = std::move(*list);
+    return becomes(State::readable, std::move(*bytes));
+}
+
+/// Nothing, and `errno`, when the file can't be read.
+std::optional<std::string> CachedPropertyList::contents() {
     // The clock first: what changes the file after this look gives it times that are later than that.
     struct timespec now {};
     const bool clockIsKnown = calls_.clockGettime(CLOCK_REALTIME, &now) == 0;
     struct stat status {};
     const posix::Descriptor file(calls_, posix::openToRead(calls_, path_, status));
+    if (!file.isOpen()) return std::nullopt;
     std::string bytes;
-    bool isWhole = file.isOpen();
-    while (isWhole && bytes.size() <= largestPropertyList) {
+    while (bytes.size() <= largestPropertyList) {
         std::array<char, 16384> buffer;
         const ssize_t got = posix::readOnce(calls_, file.number(), buffer.data(), buffer.size());
+        if (got < 0) return std::nullopt;
         if (got == 0) break;
-        isWhole = got > 0;
-        if (isWhole) bytes.append(buffer.data(), static_cast<std::size_t>(got));
+        bytes.append(buffer.data(), static_cast<std::size_t>(got));
     }
-    if (!isWhole) {
-        keep(State::unreadable, {}, {});
-        return state_;
-    }
-
     status_ = status;
     isSettled_ = clockIsKnown && isSettledAt(now, status);
-    const bool wasParsed = state_ == State::readable || state_ == State::damaged;
-    if (wasParsed && bytes == bytes_) return state_;
-    auto list = PropertyList::parse(bytes);
-    const auto state = list ? State::readable : State::damaged;
-    keep(state, list ? std::move(*list) : PropertyList(), std::move(bytes));
-    return state_;
+    return bytes;
 }
 
-void CachedPropertyList::keep(State state, PropertyList list, std::string bytes) {
+/// What was last read stays.
+CachedPropertyList::State CachedPropertyList::failed() {
+    error_ = errno;
+    isSettled_ = false;
+    return becomes(State::unreadable, {});
+}
+
+CachedPropertyList::State CachedPropertyList::becomes(State state, std::string bytes) {
     if (state != state_ || bytes != bytes_) ++revision_;
     state_ = state;
-    list_ = std::move(list);
     bytes_ = std::move(bytes);
+    return state_;
 }
 
 }  // namespace vantrel::gnustep

@@ -1,19 +1,18 @@
 #include "platform/gnustep/DefaultsLock.h"
 
+#include <sys/file.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <utility>
 
+#include "platform/posix/Descriptor.h"
 #include "platform/posix/Folders.h"
 
 namespace vantrel::gnustep {
 namespace {
 
-constexpr double oldAge = 20;       // seconds, as GNUstep has it
-constexpr double longestWait = 30;  // seconds: time for one dead holder and a queue behind it
-// Nanoseconds. GNUstep looks every 0.1 seconds; a user who clicks shouldn't wait so long for a lock held that shortly.
-constexpr long firstPause = 1'000'000;
-constexpr long longestPause = 50'000'000;
+constexpr double oldAge = 20;  // seconds, as GNUstep has it
 
 double seconds(const struct timespec& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
@@ -28,60 +27,74 @@ DefaultsLock::~DefaultsLock() {
     release();
 }
 
-bool DefaultsLock::take() {
-    struct timespec now {};
-    if (calls_.clockGettime(CLOCK_MONOTONIC, &now) != 0) return false;
-    const double start = seconds(now);
-    std::optional<Identity> watched;
-    double watchedSince = start;
-    long pause = firstPause;
-    bool madeFolders = false;
-
-    while (calls_.mkdir(path_.c_str(), 0755) != 0) {
-        if (errno == ENOENT && !madeFolders) {
-            madeFolders = true;
-            if (posix::makeFolders(calls_, folder_ + "/.lck") != 0) return false;
+int DefaultsLock::take(posix::Patience& patience) {
+    release();
+    bool hasMadeFolders = false;
+    bool hasBroken = false;
+    while (!isTaken_ && calls_.mkdir(path_.c_str(), 0755) != 0) {
+        if (errno == ENOENT && !std::exchange(hasMadeFolders, true)) {
+            if (posix::makeFolders(calls_, folder_ + "/.lck") != 0) return -1;
             continue;
         }
-        if (errno != EEXIST) return false;
-
-        struct timespec wallClock {};
-        if (calls_.clockGettime(CLOCK_MONOTONIC, &now) != 0) return false;
-        if (calls_.clockGettime(CLOCK_REALTIME, &wallClock) != 0) return false;
-        if (seconds(now) - start > longestWait) return false;
-
-        if (const auto other = standing()) {
-            if (!watched || !isSame(*watched, *other)) {
-                watched = other;
-                watchedSince = seconds(now);
-            }
-            // A clock that was set back makes a lock look younger than it is: the time it was watched counts as well.
-            const double age = std::max(seconds(wallClock) - seconds(other->made), seconds(now) - watchedSince);
-            if (age > oldAge) {
-                if (calls_.rmdir(path_.c_str()) != 0 && errno != ENOENT) return false;
-                continue;
-            }
+        if (errno != EEXIST) return -1;
+        const auto other = identityOf(path_);
+        if (other && isOld(*other) && !std::exchange(hasBroken, true)) {
+            breakOld(*other);
+            continue;
         }
-        calls_.nanosleep({0, pause});
-        pause = std::min(2 * pause, longestPause);
+        const bool isGivenUp = other && givenUp_ && isSame(*givenUp_, *other);
+        if (isGivenUp || !patience.pause()) {
+            givenUp_ = other;
+            errno = EBUSY;
+            return -1;
+        }
     }
-
-    held_ = standing();
-    if (!held_) calls_.rmdir(path_.c_str());
-    return held_.has_value();
+    if (!std::exchange(isTaken_, true)) held_ = identityOf(path_);
+    return 0;
 }
 
 void DefaultsLock::release() {
-    if (!held_) return;
-    const auto now = standing();
+    if (!isTaken_) return;
+    const auto now = identityOf(path_);
+    const bool isOurs = !held_ || !now || isSame(*held_, *now);
     // One that can't be looked at is most likely still ours, and left behind it would keep everyone waiting.
-    if (!now || isSame(*held_, *now)) calls_.rmdir(path_.c_str());
-    held_.reset();
+    isTaken_ = isOurs && calls_.rmdir(path_.c_str()) != 0 && errno != ENOENT;
 }
 
-std::optional<DefaultsLock::Identity> DefaultsLock::standing() {
+bool DefaultsLock::isOld(const Identity& other) {
+    struct timespec steady {};
+    struct timespec wall {};
+    if (calls_.clockGettime(CLOCK_MONOTONIC, &steady) != 0 || calls_.clockGettime(CLOCK_REALTIME, &wall) != 0) {
+        return false;
+    }
+    if (!watched_ || !isSame(*watched_, other)) {
+        watched_ = other;
+        watchedSince_ = seconds(steady);
+    }
+    // A clock that was set back makes a lock look younger than it is: the time it was watched counts as well.
+    return std::max(seconds(wall) - seconds(other.made), seconds(steady) - watchedSince_) > oldAge;
+}
+
+/// Between the look at a lock and its removal another process may break it and take its own, which must stay. Among
+/// processes like this one, one at a time looks and removes; where it comes from another program after all, it shows
+/// once the lock is renamed, and then it goes back.
+void DefaultsLock::breakOld(const Identity& old) {
+    const posix::Descriptor folder(calls_, posix::openFolder(calls_, folder_ + "/.lck"));
+    if (!folder.isOpen() || (calls_.flock(folder.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)) return;
+    const auto now = identityOf(path_);
+    const std::string aside = folder_ + "/.lck/.Vantrel-broken";
+    if (!now || !isSame(*now, old) || calls_.rename(path_.c_str(), aside.c_str()) != 0) return;
+    const auto renamed = identityOf(aside);
+    if (renamed && !isSame(*renamed, old)) {
+        calls_.renameNoReplace(aside.c_str(), path_.c_str());
+    } else {
+        calls_.rmdir(aside.c_str());
+    }
+}
+
+std::optional<DefaultsLock::Identity> DefaultsLock::identityOf(const std::string& path) {
     struct stat status {};
-    if (calls_.lstat(path_.c_str(), &status) != 0) return std::nullopt;
+    if (calls_.lstat(path.c_str(), &status) != 0) return std::nullopt;
     return Identity{status.st_dev, status.st_ino, status.st_mtim};
 }
 

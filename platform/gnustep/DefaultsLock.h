@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/posix/Patience.h"
 #include "platform/posix/SystemCalls.h"
 
 namespace vantrel::gnustep {
@@ -18,12 +19,17 @@ public:
     /// Frees the lock if it is taken.
     ~DefaultsLock();
 
-    /// Takes the lock, and makes the defaults folder if it is missing. Waits while another process has it. False when
-    /// it can't be made or broken, or goes from hand to hand for 30 seconds without ever being free.
-    bool take();
+    /// Takes the lock, and makes the defaults folder if it is missing. Waits with `patience` while another process has
+    /// it, but never twice for one that was waited for in vain. 0; or -1 and `errno` when it can't be had, with EBUSY
+    /// when another process keeps it.
+    [[nodiscard]] int take(posix::Patience& patience);
 
-    /// Frees the lock, unless this process was held up for so long that another has broken it meanwhile.
+    /// Frees the lock, unless this process was held up for so long that another has broken it meanwhile. Where that
+    /// fails, the lock stays taken, and the next call tries again.
     void release();
+
+    /// The folder that is the lock.
+    const std::string& path() const { return path_; }
 
 private:
     /// What tells one lock from the next in the same place.
@@ -33,14 +39,23 @@ private:
         struct timespec made;
     };
 
-    /// The lock that stands there now, whoever's it is.
-    std::optional<Identity> standing();
+    std::optional<Identity> identityOf(const std::string& path);
     static bool isSame(const Identity& one, const Identity& other);
+    /// Whether that lock, which stands there now, is older than anybody holds one.
+    bool isOld(const Identity& other);
+    void breakOld(const Identity& old);
 
     posix::SystemCalls& calls_;
     std::string folder_;
     std::string path_;
+    bool isTaken_ = false;
+    /// Our own, if it could be looked at; otherwise nothing.
     std::optional<Identity> held_;
+    /// Another's, and since when it is watched, in seconds of a clock that nobody sets.
+    std::optional<Identity> watched_;
+    double watchedSince_ = 0;
+    /// Another's that was waited for in vain.
+    std::optional<Identity> givenUp_;
 };
 
 }  // namespace vantrel::gnustep

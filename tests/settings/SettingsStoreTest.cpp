@@ -163,12 +163,95 @@ TEST_F(SettingsStoreTest, BitsAboveBit31SurviveTheBitOperations) {
 }
 
 TEST_F(SettingsStoreTest, BitsAreAddedToThePathWithoutBit0AndWithoutASynchronise) {
-    store.addToPath(0x2E);
+    store.addToPath(std::make_shared<long>(0x2E));
     EXPECT_EQ(stored("ColorProcessingPath"), "46");
     domain()["ColorProcessingPath"] = Number{0x300010};
-    store.addToPath(0x8);
+    store.addToPath(std::make_shared<long>(0x8));
     EXPECT_EQ(stored("ColorProcessingPath"), std::to_string(0x300018));
     EXPECT_THAT(journal.linesStarting("synchronize"), ElementsAre());
+}
+
+TEST_F(SettingsStoreTest, WithoutBitsToAddAMissingPathBecomesZero) {
+    store.addToPath(std::make_shared<long>(0));
+    EXPECT_EQ(stored("ColorProcessingPath"), "0");
+}
+
+// Repairs that are carried out on what is stored only later
+
+/// Preferences whose store can't be read at first: nothing is found, and the changes wait.
+struct LatePreferences : MemoryPreferences {
+    using MemoryPreferences::MemoryPreferences;
+
+    PreferenceValue updateAppValue(std::string_view key, const PreferenceChange& change, std::string_view) override {
+        if (change(Absent{})) waiting.emplace_back(key, change);
+        return Absent{};
+    }
+
+    void carryOut() {
+        for (const auto& [key, change] : waiting) MemoryPreferences::updateAppValue(key, change, codecApplicationID);
+    }
+
+    std::vector<std::pair<std::string, PreferenceChange>> waiting;
+};
+
+struct LateRepairs : testing::Test {
+    /// Repairs the stages as a set-up does.
+    void repairStages() {
+        const auto added = std::make_shared<long>(0);
+        for (const auto& row : keyTable) {
+            if (std::holds_alternative<colorProcessingPath::Stage>(row.path)) store.repair(row, {}, added);
+        }
+        store.addToPath(added);
+    }
+
+    MemoryPreferences::Domain& domain() { return preferences.domain("com.vantrel.codec"); }
+
+    Journal journal;
+    LatePreferences preferences{journal};
+    SettingsStore store{preferences};
+};
+
+TEST_F(LateRepairs, OfAStoreThatWasEmptyAreThoseOfAnEmptyStore) {
+    repairStages();
+    preferences.carryOut();
+    EXPECT_THAT(contents(domain()),
+                ElementsAre(Pair("ColorProcessingPath", "46"), Pair("colorMatrix", "true"), Pair("gamma", "true"),
+                            Pair("look", "true"), Pair("whiteBalance", "true")));
+}
+
+TEST_F(LateRepairs, LeaveWhatIsStoredAlone) {
+    repairStages();
+    for (const auto* name : {"whiteBalance", "colorMatrix", "look", "gamma"}) domain()[name] = false;
+    domain()["ColorProcessingPath"] = Number{0x300010};
+    preferences.carryOut();
+    EXPECT_THAT(contents(domain()),
+                ElementsAre(Pair("ColorProcessingPath", std::to_string(0x300010)), Pair("colorMatrix", "false"),
+                            Pair("gamma", "false"), Pair("look", "false"), Pair("whiteBalance", "false")));
+}
+
+TEST_F(LateRepairs, AddTheBitsOfTheStagesWhoseFlagsAreMissingAndNoOthers) {
+    repairStages();
+    for (const auto* name : {"whiteBalance", "colorMatrix", "gamma"}) domain()[name] = false;
+    domain()["ColorProcessingPath"] = Number{0x1};
+    preferences.carryOut();
+    EXPECT_EQ(contents(domain())["look"], "true");
+    EXPECT_EQ(contents(domain())["ColorProcessingPath"], "9");
+}
+
+TEST_F(LateRepairs, LeaveAMissingPathMissingWhereAllFlagsAreStored) {
+    repairStages();
+    for (const auto* name : {"whiteBalance", "colorMatrix", "look", "gamma"}) domain()[name] = false;
+    preferences.carryOut();
+    EXPECT_FALSE(domain().contains("ColorProcessingPath"));
+}
+
+TEST_F(LateRepairs, GiveWayToAClickThatCameMeanwhile) {
+    repairStages();
+    store.change(key("look"), false);
+    domain()["ColorProcessingPath"] = Number{0x30002F};
+    for (const auto* name : {"whiteBalance", "colorMatrix", "gamma"}) domain()[name] = true;
+    preferences.carryOut();
+    EXPECT_EQ(contents(domain())["ColorProcessingPath"], std::to_string(0x300027));
 }
 
 // The domain

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "platform/gnustep/DefaultsLock.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
@@ -12,9 +13,23 @@
 namespace vantrel::gnustep {
 namespace {
 
+constexpr double longestWait = 1.5;
+
 /// A defaults folder, and its lock as a process sees it that waits only in its own time.
 struct DefaultsLockTest : testing::Test {
+    /// With the patience of one click.
+    bool take(DefaultsLock& which) {
+        posix::Patience patience(calls, longestWait);
+        return which.take(patience) == 0;
+    }
+    bool take() { return take(lock); }
+
     bool isTaken() { return std::filesystem::exists(folder / lockName); }
+    ino_t number() {
+        struct stat status {};
+        EXPECT_EQ(lstat((folder / lockName).c_str(), &status), 0);
+        return status.st_ino;
+    }
     /// Makes the lock `seconds` after the time it is for `lock`.
     void takeAsAnother(time_t seconds = 0) {
         folder.makeFolder(lockName);
@@ -24,6 +39,11 @@ struct DefaultsLockTest : testing::Test {
         ASSERT_EQ(utimensat(AT_FDCWD, (folder / lockName).c_str(), times, 0), 0);
     }
     void freeAsAnother() { std::filesystem::remove(folder / lockName); }
+    /// Another breaks the lock that stands there and takes its own, which has another number.
+    void breakAsAnother() {
+        std::filesystem::rename(folder / lockName, folder / "broken");
+        takeAsAnother();
+    }
 
     const std::string lockName = ".lck/.GNUstepDefaults.lck";
     posix::TemporaryFolder folder;
@@ -32,12 +52,13 @@ struct DefaultsLockTest : testing::Test {
 };
 
 TEST_F(DefaultsLockTest, ItIsAFolderWhereGNUstepHasIt) {
-    EXPECT_TRUE(lock.take());
+    EXPECT_TRUE(take());
     EXPECT_TRUE(std::filesystem::is_directory(folder / lockName));
+    EXPECT_EQ(lock.path(), folder / lockName);
 }
 
 TEST_F(DefaultsLockTest, ReleasingFreesIt) {
-    ASSERT_TRUE(lock.take());
+    ASSERT_TRUE(take());
     lock.release();
     EXPECT_FALSE(isTaken());
 }
@@ -45,7 +66,7 @@ TEST_F(DefaultsLockTest, ReleasingFreesIt) {
 TEST_F(DefaultsLockTest, ItIsFreeAtTheEndOfItsScope) {
     {
         DefaultsLock scoped(calls, folder.path);
-        ASSERT_TRUE(scoped.take());
+        ASSERT_TRUE(take(scoped));
     }
     EXPECT_FALSE(isTaken());
 }
@@ -58,39 +79,55 @@ TEST_F(DefaultsLockTest, OneThatWasNeverTakenFreesNothing) {
 
 TEST_F(DefaultsLockTest, AMissingDefaultsFolderIsMadeForItsUserAlone) {
     DefaultsLock deep(calls, folder / "GNUstep/Defaults");
-    EXPECT_TRUE(deep.take());
+    EXPECT_TRUE(take(deep));
     EXPECT_EQ(std::filesystem::status(folder / "GNUstep/Defaults").permissions(), std::filesystem::perms::owner_all);
 }
+
+TEST_F(DefaultsLockTest, AFolderThatCantBeWrittenIsGivenUpAtOnce) {
+    for (const int error : {EACCES, EROFS, ENOSPC}) {
+        calls.failEvery("mkdir", error);
+        EXPECT_FALSE(take());
+        EXPECT_EQ(errno, error);
+    }
+    EXPECT_EQ(calls.count("nanosleep"), 0);
+}
+
+// Waiting
 
 TEST_F(DefaultsLockTest, OneThatAnotherHoldsIsWaitedFor) {
     takeAsAnother();
     calls.before = [this](const std::string& name) {
         if (name == "nanosleep" && calls.count("nanosleep") == 3) freeAsAnother();
     };
-    EXPECT_TRUE(lock.take());
+    EXPECT_TRUE(take());
     EXPECT_EQ(calls.count("nanosleep"), 3);
 }
 
-TEST_F(DefaultsLockTest, OneThatIsOlderThanTwentySecondsIsBrokenAtOnce) {
+TEST_F(DefaultsLockTest, OneThatStandsIsWaitedForAsLongAsThePatienceLasts) {
     takeAsAnother();
-    calls.pass(20.5);
-    EXPECT_TRUE(lock.take());
-    EXPECT_EQ(calls.count("nanosleep"), 0);
+    EXPECT_FALSE(take());
+    EXPECT_EQ(errno, EBUSY);
+    EXPECT_GE(calls.secondsSlept(), longestWait);
+    EXPECT_LE(calls.secondsSlept(), longestWait + 0.01);
+    EXPECT_TRUE(isTaken());
 }
 
-TEST_F(DefaultsLockTest, OneThatIsNineteenSecondsOldIsWaitedFor) {
+TEST_F(DefaultsLockTest, OneThatWasWaitedForInVainIsNotWaitedForAgain) {
     takeAsAnother();
-    calls.pass(19);
-    EXPECT_TRUE(lock.take());
-    EXPECT_GE(calls.secondsSlept(), 1);
-    EXPECT_LE(calls.secondsSlept(), 1.2);
+    ASSERT_FALSE(take());
+    const auto slept = calls.secondsSlept();
+    EXPECT_FALSE(take());
+    EXPECT_EQ(errno, EBUSY);
+    EXPECT_EQ(calls.secondsSlept(), slept);
 }
 
-TEST_F(DefaultsLockTest, OneFromTheFutureIsBrokenWhenItWasWatchedForTwentySeconds) {
-    takeAsAnother(1'000'000);
-    EXPECT_TRUE(lock.take());
-    EXPECT_GE(calls.secondsSlept(), 20);
-    EXPECT_LE(calls.secondsSlept(), 21);
+TEST_F(DefaultsLockTest, TheNextOneInItsPlaceIsWaitedForAgain) {
+    takeAsAnother();
+    ASSERT_FALSE(take());
+    const auto slept = calls.secondsSlept();
+    breakAsAnother();
+    EXPECT_FALSE(take());
+    EXPECT_GE(calls.secondsSlept(), slept + longestWait);
 }
 
 TEST_F(DefaultsLockTest, OneThatGoesFromHandToHandIsGivenUp) {
@@ -100,33 +137,184 @@ TEST_F(DefaultsLockTest, OneThatGoesFromHandToHandIsGivenUp) {
         freeAsAnother();
         takeAsAnother();
     };
-    EXPECT_FALSE(lock.take());
+    EXPECT_FALSE(take());
     EXPECT_TRUE(isTaken());
-    EXPECT_GE(calls.secondsSlept(), 30);
-    EXPECT_LE(calls.secondsSlept(), 31);
+    EXPECT_LE(calls.secondsSlept(), longestWait + 0.01);
 }
 
-TEST_F(DefaultsLockTest, AnOldOneThatCantBeBrokenIsGivenUpAtOnce) {
+TEST_F(DefaultsLockTest, AllThatShareAPatienceWaitNoLongerTogether) {
+    posix::Patience patience(calls, longestWait);
+    for (int taken = 0; taken < 5; ++taken) {
+        takeAsAnother();
+        EXPECT_EQ(lock.take(patience), -1);
+        breakAsAnother();
+        std::filesystem::remove(folder / "broken");
+        freeAsAnother();
+    }
+    EXPECT_LE(calls.secondsSlept(), longestWait + 0.01);
+}
+
+// Breaking
+
+TEST_F(DefaultsLockTest, OneThatIsOlderThanTwentySecondsIsBrokenAtOnce) {
+    takeAsAnother();
+    calls.pass(20.5);
+    EXPECT_TRUE(take());
+    EXPECT_EQ(calls.count("nanosleep"), 0);
+    lock.release();
+    EXPECT_TRUE(std::filesystem::is_empty(folder / ".lck"));
+}
+
+TEST_F(DefaultsLockTest, OneThatIsNineteenSecondsOldIsWaitedFor) {
+    takeAsAnother();
+    calls.pass(19);
+    EXPECT_TRUE(take());
+    EXPECT_GE(calls.secondsSlept(), 1);
+    EXPECT_LE(calls.secondsSlept(), 1.1);
+}
+
+TEST_F(DefaultsLockTest, OneThatWasGivenUpIsBrokenOnceItIsOld) {
+    takeAsAnother();
+    ASSERT_FALSE(take());
+    calls.pass(20);
+    EXPECT_TRUE(take());
+}
+
+TEST_F(DefaultsLockTest, OneFromTheFutureIsBrokenWhenItWasWatchedForTwentySeconds) {
+    takeAsAnother(1'000'000);
+    ASSERT_FALSE(take());
+    calls.pass(18);
+    ASSERT_FALSE(take());
+    calls.pass(2);
+    EXPECT_TRUE(take());
+}
+
+TEST_F(DefaultsLockTest, OneWhoseAgeNoClockTellsIsNotBroken) {
+    takeAsAnother();
+    calls.pass(30);
+    calls.failEvery("clockGettime", EIO);
+    EXPECT_FALSE(take());
+    EXPECT_TRUE(isTaken());
+}
+
+TEST_F(DefaultsLockTest, AnOldOneWithSomethingInItIsBroken) {
+    takeAsAnother();
+    folder.write(lockName + "/somebody's", "");
+    calls.pass(30);
+    EXPECT_TRUE(take());
+}
+
+TEST_F(DefaultsLockTest, AnOldOneThatCantBeBrokenIsWaitedForOnceAndNotAgain) {
     takeAsAnother();
     calls.pass(21);
-    calls.failEvery("rmdir", EACCES);
-    EXPECT_FALSE(lock.take());
-    EXPECT_EQ(calls.count("nanosleep"), 0);
+    calls.failEvery("rename", EACCES);
+    EXPECT_FALSE(take());
+    const auto slept = calls.secondsSlept();
+    EXPECT_FALSE(take());
+    EXPECT_EQ(calls.secondsSlept(), slept);
 }
 
-TEST_F(DefaultsLockTest, AFolderThatCantBeWrittenIsGivenUpAtOnce) {
-    for (const int error : {EACCES, EROFS, ENOSPC}) {
-        calls.failEvery("mkdir", error);
-        EXPECT_FALSE(lock.take());
+TEST_F(DefaultsLockTest, OfTwoThatBreakAnOldOneTheSecondLeavesTheFirstOnesAlone) {
+    // The first one comes when the second has seen how old the lock is: before its next call, or the one after that.
+    for (const std::string at : {"open", "flock"}) {
+        takeAsAnother();
+        calls.pass(30);
+        DefaultsLock first(calls, folder.path);
+        bool hasCome = false;
+        ino_t firstOnes = 0;
+        calls.before = [&](const std::string& name) {
+            if (name != at || std::exchange(hasCome, true)) return;
+            EXPECT_TRUE(take(first));
+            firstOnes = number();
+        };
+        EXPECT_FALSE(take()) << at;
+        calls.before = nullptr;
+        EXPECT_EQ(number(), firstOnes) << at;
+        first.release();
+        EXPECT_TRUE(std::filesystem::is_empty(folder / ".lck")) << at;
     }
-    EXPECT_EQ(calls.count("nanosleep"), 0);
 }
+
+TEST_F(DefaultsLockTest, ANewOneIsPutBackWhereAProgramThatLocksNothingBrokeTheOldOneAtTheLastMoment) {
+    takeAsAnother();
+    calls.pass(30);
+    ino_t othersNew = 0;
+    calls.before = [&](const std::string& name) {
+        if (name != "rename" || othersNew != 0) return;
+        breakAsAnother();
+        othersNew = number();
+    };
+    EXPECT_FALSE(take());
+    EXPECT_EQ(number(), othersNew);
+}
+
+TEST_F(DefaultsLockTest, OneThatAnotherIsBreakingIsLeftToIt) {
+    takeAsAnother();
+    calls.pass(30);
+    calls.failEvery("flock", EWOULDBLOCK);
+    EXPECT_FALSE(take());
+    EXPECT_EQ(calls.count("rename"), 0);
+    EXPECT_TRUE(isTaken());
+}
+
+TEST_F(DefaultsLockTest, WhereNoFolderCanBeLockedAnOldOneIsBrokenAllTheSame) {
+    takeAsAnother();
+    calls.pass(30);
+    calls.failEvery("flock", ENOLCK);
+    EXPECT_TRUE(take());
+}
+
+TEST_F(DefaultsLockTest, WhatABreakerLeftThatDiedIsGoneWithTheNextOneThatIsBroken) {
+    folder.makeFolder(".lck/.Vantrel-broken");
+    takeAsAnother();
+    calls.pass(30);
+    EXPECT_TRUE(take());
+    lock.release();
+    EXPECT_TRUE(std::filesystem::is_empty(folder / ".lck"));
+}
+
+// Our own
 
 TEST_F(DefaultsLockTest, OneThatAnotherBrokeAndTookIsNotFreed) {
-    ASSERT_TRUE(lock.take());
-    // Another one in between, so that the next has another number, and its own time.
-    std::filesystem::rename(folder / lockName, folder / "broken");
-    takeAsAnother();
+    ASSERT_TRUE(take());
+    breakAsAnother();
+    lock.release();
+    EXPECT_TRUE(isTaken());
+}
+
+TEST_F(DefaultsLockTest, OneThatCouldntBeLookedAtIsFreed) {
+    calls.failEvery("lstat", EIO);
+    ASSERT_TRUE(take());
+    lock.release();
+    EXPECT_FALSE(isTaken());
+}
+
+TEST_F(DefaultsLockTest, OneThatCouldntBeFreedIsFreedTheNextTime) {
+    ASSERT_TRUE(take());
+    calls.fail("rmdir", EIO);
+    lock.release();
+    ASSERT_TRUE(isTaken());
+    lock.release();
+    EXPECT_FALSE(isTaken());
+}
+
+TEST_F(DefaultsLockTest, OneThatCouldntBeFreedIsStillHeldWhenItIsTakenAgain) {
+    ASSERT_TRUE(take());
+    calls.failEvery("rmdir", EIO);
+    lock.release();
+    EXPECT_TRUE(take());
+    EXPECT_EQ(calls.count("nanosleep"), 0);
+    calls.failEvery("rmdir", 0);
+    lock.release();
+    EXPECT_FALSE(isTaken());
+}
+
+TEST_F(DefaultsLockTest, OneThatCouldntBeFreedAndThatAnotherBrokeIsTheOthers) {
+    ASSERT_TRUE(take());
+    calls.fail("rmdir", EIO);
+    lock.release();
+    breakAsAnother();
+    EXPECT_FALSE(take());
     lock.release();
     EXPECT_TRUE(isTaken());
 }

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <limits>
 #include <string>
 
@@ -13,6 +14,7 @@
 #include "platform/gnustep/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
+#include "tests/platform/posix/Processes.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
@@ -227,13 +229,37 @@ TEST_F(GNUstepPreferencesReads, AFileThatDidNotChangeCostsOneLookAtIt) {
     EXPECT_EQ(calls.made().back(), "stat");
 }
 
-TEST_F(GNUstepPreferencesReads, AfterAWriteOfItsOwnTheFileIsReadAtMostOnceMore) {
+TEST_F(GNUstepPreferencesReads, AfterAWriteOfItsOwnTheFileIsNotReadAgain) {
     write("look", true);
     ASSERT_TRUE(synchronize());
-    settle();
-    const auto opened = calls.count("open");
-    for (int round = 0; round < 5; ++round) EXPECT_EQ(read("look"), "true");
-    EXPECT_LE(calls.count("open"), opened + 1);
+    const auto reads = calls.count("read");
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_EQ(read("look"), round % 2 == 0 ? "true" : "false");
+        write("look", round % 2 != 0);
+        ASSERT_TRUE(synchronize());
+    }
+    EXPECT_EQ(calls.count("read"), reads);
+}
+
+TEST_F(GNUstepPreferencesReads, AFileThatIsWrittenInPlaceRightAfterAWriteOfItsOwnIsSeen) {
+    for (long round = 100; round < 200; ++round) {
+        write("look", round);
+        ASSERT_TRUE(synchronize());
+        // As long as the one that it replaces, and most often within the same tick of the clock.
+        std::string other = folder.read(fileName);
+        other.replace(other.find("<integer>"), 10, "<integer>9");
+        folder.write(fileName, other);
+        EXPECT_NE(read("look"), std::to_string(round));
+    }
+}
+
+TEST_F(GNUstepPreferencesReads, WhereTheFilesTimeCouldntBeSetItIsReadAgain) {
+    calls.failEvery("futimens", EPERM);
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    const auto reads = calls.count("read");
+    EXPECT_EQ(read("look"), "true");
+    EXPECT_GT(calls.count("read"), reads);
 }
 
 TEST_F(GNUstepPreferencesReads, AFileThatVanishesIsAbsentAndOneThatComesIsSeen) {
@@ -258,7 +284,59 @@ TEST_F(GNUstepPreferencesReads, AFolderOrAPipeInItsPlaceReadsAsEmptyAndStays) {
     EXPECT_FALSE(synchronize());
     EXPECT_TRUE(S_ISDIR(fileStatus().st_mode));
     EXPECT_EQ(read("look"), "true");
-    EXPECT_THAT(journal.lines(), IsEmpty());
+    EXPECT_THAT(journal.lines(), ElementsAre(HasSubstr("this is no ordinary file"), HasSubstr("this is a folder")));
+}
+
+// Sequences of calls
+
+struct GNUstepPreferencesSequence : GNUstepPreferencesTest {
+    GNUstepPreferencesSequence() {
+        writeFile("<key>look</key><integer>1</integer>");
+        settle();
+    }
+};
+
+TEST_F(GNUstepPreferencesSequence, LooksAtTheFileOnce) {
+    read("look");
+    const auto callsBefore = calls.made().size();
+    {
+        const PreferencesSequence sequence(preferences);
+        for (int round = 0; round < 30; ++round) EXPECT_EQ(read("look"), "1");
+    }
+    EXPECT_EQ(calls.made().size(), callsBefore + 1);
+    EXPECT_EQ(calls.made().back(), "stat");
+}
+
+TEST_F(GNUstepPreferencesSequence, LooksOnceAtTheFileForAllApplicationsToo) {
+    folder.write("NSGlobalDomain.plist", listOf("<key>shared</key><true/>"));
+    const PreferencesSequence sequence(preferences);
+    for (int round = 0; round < 30; ++round) {
+        EXPECT_EQ(read("shared"), "true");
+        EXPECT_EQ(read("nothing"), "absent");
+    }
+    EXPECT_EQ(calls.count("stat"), 2);
+}
+
+TEST_F(GNUstepPreferencesSequence, SeesOneStateOfTheStoreWithItsOwnChanges) {
+    {
+        const PreferencesSequence sequence(preferences);
+        EXPECT_EQ(read("look"), "1");
+        writeFile("<key>look</key><integer>2</integer>");
+        EXPECT_EQ(read("look"), "1");
+        write("gamma", true);
+        EXPECT_EQ(read("gamma"), "true");
+        ASSERT_TRUE(synchronize());
+        EXPECT_EQ(read("look"), "2");
+    }
+    writeFile("<key>look</key><integer>3</integer>");
+    EXPECT_EQ(read("look"), "3");
+}
+
+TEST_F(GNUstepPreferencesSequence, IsAsFreshAsItsFirstCall) {
+    read("look");
+    writeFile("<key>look</key><integer>2</integer>");
+    const PreferencesSequence sequence(preferences);
+    EXPECT_EQ(read("look"), "2");
 }
 
 // Writes
@@ -438,7 +516,11 @@ TEST_F(GNUstepPreferencesWrites, TwoProcessesThatWriteAllTheTimeLoseNothing) {
 // A file that is no property list
 
 struct GNUstepPreferencesDamage : GNUstepPreferencesTest {
-    GNUstepPreferencesDamage() { folder.write(fileName, damage); }
+    GNUstepPreferencesDamage() {
+        folder.write(fileName, damage);
+        const struct timespec written[] = {{1'709'251'199, 0}, {1'709'251'199, 0}};
+        EXPECT_EQ(utimensat(AT_FDCWD, (folder / fileName).c_str(), written, 0), 0);
+    }
 
     /// The names of what was kept aside.
     std::vector<std::string> kept() const {
@@ -447,6 +529,13 @@ struct GNUstepPreferencesDamage : GNUstepPreferencesTest {
             if (name.starts_with(fileName + ".unreadable-")) found.push_back(name);
         }
         return found;
+    }
+
+    /// While the store pauses, another program goes on writing.
+    void whilePausing(const std::function<void()>& work) {
+        calls.before = [work](const std::string& name) {
+            if (name == "nanosleep") work();
+        };
     }
 };
 
@@ -471,26 +560,20 @@ TEST_F(GNUstepPreferencesDamage, TheNextWriteKeepsItBesideItselfAndSaysSoOnce) {
     EXPECT_THAT(journal.lines(), SizeIs(1));
 }
 
-TEST_F(GNUstepPreferencesDamage, TheNameTellsTheTime) {
-    /// A clock that stands still.
-    struct Stopped : posix::SystemCalls {
-        int clockGettime(clockid_t, struct timespec* time) override {
-            *time = {1'709'251'199, 0};
-            return 0;
-        }
-    } stopped;
-    GNUstepPreferences ours(folder.path, log, stopped);
-    ours.setAppValue("look", true, appID);
-    ASSERT_TRUE(ours.synchronize(appID));
-    ASSERT_THAT(kept(), ElementsAre(fileName + ".unreadable-20240229T235959Z"));
+TEST_F(GNUstepPreferencesDamage, TheNameTellsWhenItWasWritten) {
+    write("look", true);
+    ASSERT_TRUE(synchronize());
+    EXPECT_THAT(kept(), ElementsAre(fileName + ".unreadable-20240229T235959Z"));
+}
 
-    folder.write(fileName, "damaged again");
-    ours.setAppValue("look", true, appID);
-    ASSERT_TRUE(ours.synchronize(appID));
+TEST_F(GNUstepPreferencesDamage, AnotherOfThatTimeGetsANumber) {
+    folder.write(fileName + ".unreadable-20240229T235959Z", "an earlier one");
+    write("look", true);
+    ASSERT_TRUE(synchronize());
     ASSERT_THAT(kept(),
                 ElementsAre(fileName + ".unreadable-20240229T235959Z", fileName + ".unreadable-20240229T235959Z-2"));
-    EXPECT_EQ(folder.read(kept()[0]), damage);
-    EXPECT_EQ(folder.read(kept()[1]), "damaged again");
+    EXPECT_EQ(folder.read(kept()[0]), "an earlier one");
+    EXPECT_EQ(folder.read(kept()[1]), damage);
 }
 
 TEST_F(GNUstepPreferencesDamage, AnArrayAtTheTopIsKeptAsideToo) {
@@ -522,16 +605,116 @@ TEST_F(GNUstepPreferencesDamage, BehindALinkItIsKeptBesideTheFileAndNotTheLink) 
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "dotfiles"), {}), 2);
 }
 
+TEST_F(GNUstepPreferencesDamage, WhatItHeldWhenItCouldLastBeReadIsInTheNewFile) {
+    writeFile("\t<key>theirs</key>\n\t<data>AA==</data>\n");
+    ASSERT_EQ(read("theirs"), "other");
+    folder.write(fileName, damage);
+    EXPECT_EQ(read("theirs"), "other");
+    write("x", 1L);
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(folder.read(fileName), listOf("\t<key>theirs</key>\n\t<data>AA==</data>\n"
+                                            "\t<key>x</key>\n\t<integer>1</integer>\n"));
+    EXPECT_THAT(kept(), SizeIs(1));
+}
+
+TEST_F(GNUstepPreferencesDamage, OneThatAnotherProgramIsStillWritingIsReadWhenThatIsDone) {
+    whilePausing([this] { writeFile("\t<key>theirs</key>\n\t<true/>\n"); });
+    EXPECT_EQ(read("theirs"), "true");
+    EXPECT_EQ(calls.secondsSlept(), 0.25);
+    write("x", 1L);
+    ASSERT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("theirs"), "true");
+    EXPECT_THAT(kept(), IsEmpty());
+}
+
+TEST_F(GNUstepPreferencesDamage, OneThatAnotherProgramEmptiedAndFillsAfterTheSetUpIsMergedWith) {
+    folder.write(fileName, "");
+    write("x", 1L);
+    int pauses = 0;
+    whilePausing([&] {
+        if (++pauses == 1) folder.write(fileName, "<plist><dict>");
+        if (pauses == 2) writeFile("\t<key>theirs</key>\n\t<true/>\n");
+    });
+    EXPECT_FALSE(synchronize());
+    EXPECT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("theirs"), "true");
+    EXPECT_EQ(readByAnother("x"), "1");
+    EXPECT_THAT(kept(), IsEmpty());
+}
+
+TEST_F(GNUstepPreferencesDamage, OneThatIsStillChangingIsNotKeptAside) {
+    write("look", true);
+    whilePausing([this] { folder.write(fileName, damage + " later"); });
+    EXPECT_FALSE(synchronize());
+    EXPECT_EQ(folder.read(fileName), damage + " later");
+    EXPECT_THAT(kept(), IsEmpty());
+}
+
+TEST_F(GNUstepPreferencesDamage, OneThatVanishesMeanwhileIsNotKept) {
+    write("look", true);
+    whilePausing([this] { std::filesystem::remove(folder / fileName); });
+    EXPECT_TRUE(synchronize());
+    EXPECT_EQ(readByAnother("look"), "true");
+    EXPECT_THAT(kept(), IsEmpty());
+}
+
+TEST_F(GNUstepPreferencesDamage, IsWaitedForOnceAndNotAtEachRead) {
+    settle();
+    for (int round = 0; round < 5; ++round) EXPECT_EQ(read("look"), "absent");
+    EXPECT_EQ(calls.secondsSlept(), 0.25);
+}
+
 TEST_F(GNUstepPreferencesDamage, WhenItCantBeKeptAsideItIsNotReplaced) {
-    calls.failEvery("renameNoReplace", EACCES);
+    for (const auto* call : {"link", "renameNoReplace"}) calls.failEvery(call, EACCES);
     write("look", true);
     EXPECT_FALSE(synchronize());
     EXPECT_EQ(folder.read(fileName), damage);
     EXPECT_EQ(read("look"), "true");
-    EXPECT_THAT(journal.lines(), IsEmpty());
-    calls.failEvery("renameNoReplace", 0);
+    EXPECT_THAT(journal.lines(), ElementsAre(HasSubstr("couldn’t be stored because permission is denied")));
+    for (const auto* call : {"link", "renameNoReplace"}) calls.failEvery(call, 0);
     EXPECT_TRUE(synchronize());
     EXPECT_THAT(kept(), SizeIs(1));
+}
+
+TEST_F(GNUstepPreferencesDamage, WhenAHundredOfItsTimeAreKeptItIsNotReplaced) {
+    const std::string name = fileName + ".unreadable-20240229T235959Z";
+    folder.write(name, "");
+    for (int number = 2; number <= 100; ++number) folder.write(name + '-' + std::to_string(number), "");
+    write("look", true);
+    EXPECT_FALSE(synchronize());
+    EXPECT_EQ(folder.read(fileName), damage);
+}
+
+TEST_F(GNUstepPreferencesDamage, OnADiskWithoutSecondNamesItIsRenamed) {
+    for (const int error : {EPERM, EOPNOTSUPP, ENOSYS, EMLINK}) {
+        folder.write(fileName, damage + std::to_string(error));
+        calls.fail("link", error);
+        write("look", true);
+        ASSERT_TRUE(synchronize());
+        EXPECT_EQ(readByAnother("look"), "true");
+    }
+    EXPECT_THAT(kept(), SizeIs(4));
+}
+
+TEST_F(GNUstepPreferencesDamage, WheneverTheProcessIsKilledThereIsAFileAndTheDamagedOneIsKeptOnce) {
+    std::size_t number = 0;
+    const auto store = [this](posix::SystemCalls& killing) {
+        GNUstepPreferences theirs(folder.path, log, killing);
+        theirs.setAppValue("look", true, appID);
+        theirs.synchronize(appID);
+    };
+    for (; posix::killedBeforeCall(number, store); ++number) {
+        SCOPED_TRACE(number);
+        ASSERT_TRUE(std::filesystem::exists(folder / fileName));
+        calls.pass(30);
+        write("look", true);
+        ASSERT_TRUE(synchronize());
+        ASSERT_THAT(kept(), SizeIs(1));
+        EXPECT_EQ(folder.read(kept()[0]), damage);
+        EXPECT_THAT(folder.names(), UnorderedElementsAre(".lck", fileName, kept()[0]));
+        std::filesystem::rename(folder / kept()[0], folder / fileName);
+    }
+    EXPECT_GE(number, 20U);
 }
 
 }  // namespace
