@@ -8,7 +8,8 @@
 namespace vantrel::posix {
 
 /// Pauses between tries for what another process has: short at first, then up to 5 ms, each of random length, so that
-/// processes that wait for the same thing don't keep in step.
+/// processes that wait for the same thing don't keep in step; and shorter again for who has waited for long: that one
+/// comes before the others.
 class Patience {
 public:
     /// For `longest` seconds in all, from the first pause on.
@@ -23,9 +24,10 @@ private:
 
     SystemCalls& calls_;
     double longest_;
-    std::optional<double> end_;
-    /// The longest that the next pause may be, in nanoseconds.
-    long pause_ = 1'000'000;
+    /// When the first pause was.
+    std::optional<double> start_;
+    /// The longest that the last pause could be, in seconds.
+    double pause_ = 0;
     std::minstd_rand random_;
 };
 

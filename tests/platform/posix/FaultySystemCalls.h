@@ -1,5 +1,7 @@
 #pragma once
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <functional>
@@ -30,7 +32,10 @@ public:
     const std::vector<std::string>& made() const { return made_; }
 
     /// How often the call of that name was made so far.
-    int count(const std::string& name) const { return static_cast<int>(std::count(made_.begin(), made_.end(), name)); }
+    int count(const std::string& name) const {
+        const auto found = counts_.find(name);
+        return found == counts_.end() ? 0 : found->second;
+    }
 
     /// Run before and after every call, with its name. `errno` is the call's own again afterwards.
     std::function<void(const std::string& name)> before;
@@ -53,7 +58,8 @@ public:
         return run("write", [&] { return SystemCalls::write(descriptor, buffer, std::min(size, mostBytesAtOnce)); });
     }
     int fsync(int descriptor) override {
-        return run("fsync", [&] { return SystemCalls::fsync(descriptor); });
+        // No test can see what is on the disk, and flushing takes its time.
+        return run("fsync", [&] { return ::fcntl(descriptor, F_GETFD) < 0 ? -1 : 0; });
     }
     int fchmod(int descriptor, mode_t mode) override {
         return run("fchmod", [&] { return SystemCalls::fchmod(descriptor, mode); });
@@ -114,6 +120,7 @@ private:
     template <typename Call>
     auto run(const std::string& name, const Call& call) -> decltype(call()) {
         made_.push_back(name);
+        ++counts_[name];
         if (before) before(name);
         decltype(call()) result = -1;
         int error = errorForCall(name);
@@ -135,6 +142,7 @@ private:
     }
 
     std::vector<std::string> made_;
+    std::map<std::string, int> counts_;
     std::map<std::pair<std::string, int>, int> planned_;
     std::map<std::string, int> always_;
 };

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "platform/posix/Patience.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 
@@ -37,9 +39,21 @@ TEST(Patience, EndsWithItsTime) {
 TEST(Patience, PausesAreShortAtFirstAndNeverLong) {
     const auto pauses = pausesOfTwoSeconds();
     EXPECT_LE(pauses.front(), 1);
+    EXPECT_GE(*std::max_element(pauses.begin(), pauses.end()), 2.5);
     for (const double pause : pauses) {
-        EXPECT_GE(pause, 0.5);
+        EXPECT_GE(pause, 0.24);
         EXPECT_LE(pause, 5);
+    }
+}
+
+TEST(Patience, WhoHasWaitedForLongLooksMoreOften) {
+    const auto pauses = pausesOfTwoSeconds();
+    double waited = 0;
+    for (const double pause : pauses) {
+        if (waited > 100) {
+            EXPECT_LE(pause, 1);
+        }
+        waited += pause;
     }
 }
 
