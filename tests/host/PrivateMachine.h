@@ -37,17 +37,22 @@ public:
         // The new tree grows in a folder that every machine has and that no test here looks at.
         const std::string root = "/sys";
         const auto workingFolder = std::filesystem::current_path();
-        mountMemory(root);
+        putInMemory(root);
         for (const auto& entry : std::filesystem::directory_iterator("/")) {
             const std::string name = entry.path().filename();
             if (name != "sys" && name != "Applications" && name != "Library") show(entry, root + "/" + name);
         }
         for (const std::string folder : {"/Applications", "/Library"}) {
             std::filesystem::create_directory(root + folder);
-            mountMemory(root + folder);
+            putInMemory(root + folder);
         }
         check(chroot(root.c_str()), "change the root");
         std::filesystem::current_path(workingFolder);
+    }
+
+    /// Puts an empty disk in memory in the place of a folder, for these processes.
+    static void putInMemory(const std::string& folder) {
+        check(mount("none", folder.c_str(), "tmpfs", 0, "mode=0755"), "mount " + folder);
     }
 
 private:
@@ -59,10 +64,6 @@ private:
         std::ofstream file(path);
         file << text << std::flush;
         if (!file) throw std::runtime_error("can't write " + path);
-    }
-
-    static void mountMemory(const std::string& folder) {
-        check(mount("none", folder.c_str(), "tmpfs", 0, "mode=0755"), "mount " + folder);
     }
 
     /// Makes what stands at `entry` appear at `path` too.
