@@ -163,7 +163,10 @@ void DomainFile::takeLock(posix::Patience& patience) {
 /// The trouble is EEXIST where there was no file and now there is one.
 std::optional<Trouble> DomainFile::place(Next& next) {
     const std::string& path = next.replacement.target();
-    if (file_.state() == CachedPropertyList::State::damaged && keepAside(path) != 0) return Trouble{errno, path};
+    if (file_.state() == CachedPropertyList::State::damaged) {
+        // Its second name is for good before its first one goes.
+        if (keepAside(path) != 0 || next.replacement.settle() != 0) return Trouble{errno, path};
+    }
     const bool isMissing = file_.state() == CachedPropertyList::State::missing;
     struct stat status {};
     if (next.replacement.place(&status, isMissing ? posix::InPlace::nothing : posix::InPlace::anything) != 0) {

@@ -41,7 +41,7 @@ public:
     /// gives it another time. Its own was chosen so that no clock's tick has it.
     bool isAsMade(const struct stat& status) const;
 
-    /// Writes the renaming through to the disk.
+    /// Writes the renaming through to the disk, and whatever else was done to names in the folder.
     [[nodiscard]] int settle();
 
     /// The path of the file itself, past all links that are followed. Known once `prepare` has succeeded.

@@ -5,8 +5,8 @@
 //
 // Prints a table; ends with status 1, and what didn't hold, if anything didn't.
 #import <AppKit/AppKit.h>
-#import <objc/runtime.h>
 #include <fcntl.h>
+#import <objc/runtime.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -136,15 +136,18 @@ std::vector<Flow> flows() {
     return {
         {"opening, nothing stored", "", leaveIt},
         {"opening, all stored", validDomain(), leaveIt},
-        {"opening, keys mistyped", list("<key>look</key><integer>1</integer><key>QTGammaCorrection</key><integer>9"
-                                        "</integer><key>LUTsPath</key><true/><key>theirs</key><data>AA==</data>"),
+        {"opening, keys mistyped",
+         list("<key>look</key><integer>1</integer><key>QTGammaCorrection</key><integer>9"
+              "</integer><key>LUTsPath</key><true/><key>theirs</key><data>AA==</data>"),
          leaveIt},
         {"flag", validDomain(), flag},
         {"flag, nothing stored", "", flag},
         {"flag, file damaged", damage, flag},
         {"stage", validDomain(), stage, {"look", "ColorProcessingPath"}},
         {"stage, nothing stored", "", stage},
-        {"demosaic method", validDomain(), clicking("renderDemosaic", "precisionDemosaicSelect:", 2),
+        {"demosaic method",
+         validDomain(),
+         clicking("renderDemosaic", "precisionDemosaicSelect:", 2),
          {"RenderDebayer", "ColorProcessingPath"}},
         {"folder", validDomain(),
          [](const PaneWithoutView &pane) { pane.type("_LUTsPath", "LUTsOKUpdate:", @"/elsewhere"); }},
@@ -208,8 +211,7 @@ struct Outcome {
 };
 
 Report &sharedReport() {
-    static void *memory =
-        mmap(nullptr, sizeof(Report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    static void *memory = mmap(nullptr, sizeof(Report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     return *static_cast<Report *>(memory);
 }
 
@@ -365,7 +367,8 @@ class Judge {
     void requireThatItWasTold(const Outcome &outcome) {
         const auto count = [&](const std::string &text) {
             int lines = 0;
-            for (auto at = outcome.log.find(text); at != std::string::npos; at = outcome.log.find(text, at + 1)) ++lines;
+            for (auto at = outcome.log.find(text); at != std::string::npos; at = outcome.log.find(text, at + 1))
+                ++lines;
             return lines;
         };
         const bool isStored = std::all_of(done_.atEnd.begin(), done_.atEnd.end(), [&](const auto &entry) {
@@ -425,7 +428,8 @@ struct Kind {
     std::vector<int> errors;
 };
 
-/// No space, no permission, no descriptor left, a broken disk, a server that lost the file, a folder that isn't mounted.
+/// No space, no permission, no descriptor left, a broken disk, a server that lost the file, a folder that isn't
+/// mounted.
 const std::vector<int> errors{ENOSPC, EACCES, EMFILE, EIO, ESTALE, ENOENT};
 
 const std::vector<Kind> kinds{{"killed", Fault::killed, {0}},
@@ -476,7 +480,8 @@ int run(int every) {
         }
         std::printf("\n");
         violations.insert(violations.end(), judge.violations().begin(), judge.violations().end());
-        for (const auto &[state, count] : judge.enablerStates()) enablerStates[std::string(flow.name) + ": " + state] += count;
+        for (const auto &[state, count] : judge.enablerStates())
+            enablerStates[std::string(flow.name) + ": " + state] += count;
         [pool release];
     }
     std::printf("\nFinal Cut Pro's folder after a kill:\n");

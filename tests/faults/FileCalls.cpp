@@ -1,5 +1,5 @@
-// The system's calls on files, in front of those of the C library for all of the process: a program's own functions come
-// first wherever a library that it loads looks for them.
+// The system's calls on files, in front of those of the C library for all of the process: a program's own functions
+// come first wherever a library that it loads looks for them.
 #include "tests/faults/FileCalls.h"
 
 #include <dirent.h>
@@ -130,7 +130,7 @@ using namespace vantrel::faults;
 #define REAL(name) reinterpret_cast<decltype(&(name))>(dlsym(RTLD_NEXT, #name))
 
 /// Defines a function that stands before the C library's; by another name here, where that one is declared already.
-#define STAND_BEFORE(result, name, parameters, arguments)                                \
+#define STAND_BEFORE(result, name, parameters, arguments)                               \
     extern "C" result before_##name parameters asm(#name);                              \
     extern "C" result before_##name parameters {                                        \
         static const auto real = REAL(name);                                            \

@@ -1,0 +1,172 @@
+// The power is cut after every call of a click, and the disk keeps of what wasn't flushed whatever it likes: what a
+// click had finished must be there, and what was there before must not be lost.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <iostream>
+#include <string>
+
+#include "host/EnablerSwitch.h"
+#include "platform/gnustep/GNUstepPreferences.h"
+#include "platform/gnustep/GNUstepPropertyLists.h"
+#include "platform/memory/MemoryControls.h"
+#include "platform/memory/MemoryPreferences.h"
+#include "platform/memory/MemorySystem.h"
+#include "platform/posix/PosixFiles.h"
+#include "tests/faults/VolatileDisk.h"
+#include "tests/host/PrivateMachine.h"
+#include "tests/platform/posix/TemporaryFolder.h"
+
+namespace vantrel {
+namespace {
+
+namespace fs = std::filesystem;
+using posix::Tree;
+using testing::AnyOf;
+using testing::AnyOfArray;
+using testing::Contains;
+using testing::Pair;
+
+/// What is in a file after a power cut; "nothing" where there is none.
+std::string contentOf(const Tree& tree, const std::string& path) {
+    const auto found = tree.find(path);
+    return found == tree.end() ? "nothing" : found->second;
+}
+
+// The settings
+
+constexpr std::string_view appID = "com.vantrel.codec";
+
+struct PowerLossOfTheStore : testing::Test {
+    /// Clicks once more, while the power may be cut: one of `before` is found, or what the click makes of it, and that
+    /// alone once the click has ended.
+    void click(posix::VolatileDisk& disk, gnustep::GNUstepPreferences& preferences, long value) {
+        seen.clear();
+        const std::string before = fs::exists(file) ? folder.read(name) : "nothing";
+        disk.afterChange = [&] { see(disk); };
+        preferences.setAppValue("look", value, appID);
+        ASSERT_TRUE(preferences.synchronize(appID));
+        const std::string after = folder.read(name);
+        EXPECT_THAT(seen, testing::Each(AnyOf(before, after)));
+        EXPECT_THAT(seen, Contains(before));
+        for (const auto& tree : disk.afterACut()) EXPECT_EQ(contentOf(tree, file), after);
+    }
+
+    void see(const posix::VolatileDisk& disk) {
+        for (const auto& tree : disk.afterACut()) seen.insert(contentOf(tree, file));
+    }
+
+    const std::string name = "com.vantrel.codec.plist";
+    posix::TemporaryFolder folder;
+    const std::string file = folder / name;
+    memory::Journal journal;
+    memory::MemoryLog log{journal};
+    std::set<std::string> seen;
+};
+
+TEST_F(PowerLossOfTheStore, AClickIsThereOrNotAndThereForGoodOnceItHasEnded) {
+    posix::VolatileDisk disk(folder.path);
+    gnustep::GNUstepPreferences preferences(folder.path, log, disk);
+    for (const long value : {1, 2, 3}) click(disk, preferences, value);
+}
+
+TEST_F(PowerLossOfTheStore, AClickOfAnotherProcessOnTheSameFileIsThereTheSame) {
+    posix::VolatileDisk disk(folder.path);
+    gnustep::GNUstepPreferences ours(folder.path, log, disk);
+    gnustep::GNUstepPreferences theirs(folder.path, log, disk);
+    click(disk, ours, 1);
+    click(disk, theirs, 2);
+    click(disk, ours, 3);
+}
+
+TEST_F(PowerLossOfTheStore, ADamagedFileIsThereUnderOneNameOrTheOther) {
+    const std::string damage = "<plist><dict>";
+    folder.write(name, damage);
+    posix::VolatileDisk disk(folder.path);
+    gnustep::GNUstepPreferences preferences(folder.path, log, disk);
+    disk.afterChange = [&] {
+        for (const auto& tree : disk.afterACut()) EXPECT_THAT(tree, Contains(Pair(testing::_, damage)));
+    };
+    preferences.setAppValue("look", true, appID);
+    EXPECT_TRUE(preferences.synchronize(appID));
+    disk.afterChange();
+}
+
+// Final Cut Pro's folder
+
+const std::string enablers = fs::path(enablerPaths::active).parent_path();
+const std::string active{enablerPaths::active};
+const std::string backup{enablerPaths::backup};
+const std::string theirs = "Final Cut Pro's own";
+const std::string ours = "for 7.0.3";
+
+struct PowerLossOfTheEnabler : testing::Test {
+    PowerLossOfTheEnabler() {
+        fs::remove_all(enablerPaths::application);
+        fs::create_directories(enablers);
+        fs::create_directories(fs::path(enablerPaths::versionEnabler("703")).parent_path());
+        write(std::string(enablerPaths::versionRecord),
+              "<plist><dict><key>CFBundleVersion</key><string>7.0.3</string></dict></plist>");
+        write(enablerPaths::versionEnabler("703"), ours);
+        write(active, theirs);
+    }
+
+    static void write(const std::string& path, const std::string& contents) {
+        std::ofstream stream(path, std::ios::binary);
+        stream << contents;
+        if (!stream.flush()) throw std::runtime_error("can't write " + path);
+    }
+
+    /// "off", "on" or "broken", which keep Final Cut Pro's own; anything else loses it.
+    static std::string stateOf(const Tree& tree) {
+        const auto now = contentOf(tree, active);
+        const auto saved = contentOf(tree, backup);
+        if (now == theirs && saved == "nothing") return "off";
+        if (now == ours && saved == theirs) return "on";
+        if (now == "nothing" && saved == theirs) return "broken";
+        return now + " and " + saved;
+    }
+
+    /// Clicks while the power may be cut; only the state `wanted` is found once the click has ended, and the key is
+    /// stored only then.
+    void click(bool on, const std::string& wanted) {
+        posix::VolatileDisk disk(enablers);
+        posix::PosixFiles files(disk, std::string(enablerPaths::application));
+        gnustep::GNUstepPropertyLists propertyLists(disk);
+        EnablerSwitch enablerSwitch(files, propertyLists, alerts, log, store);
+        disk.afterChange = [&] {
+            for (const auto& tree : disk.afterACut()) EXPECT_THAT(stateOf(tree), AnyOf("off", "on", "broken"));
+        };
+        EXPECT_EQ(enablerSwitch.turn(on ? onState : offState), std::nullopt);
+        for (const auto& tree : disk.afterACut()) EXPECT_EQ(stateOf(tree), wanted);
+    }
+
+    memory::Journal journal;
+    memory::MemoryAlerts alerts{journal};
+    memory::MemoryLog log{journal};
+    memory::MemoryPreferences preferences{journal};
+    SettingsStore store{preferences};
+};
+
+TEST_F(PowerLossOfTheEnabler, FinalCutProsOwnIsNeverLostAndASwapIsForGoodOnceItHasEnded) {
+    for (int round = 0; round < 2; ++round) {
+        click(true, "on");
+        click(false, "off");
+    }
+}
+
+}  // namespace
+}  // namespace vantrel
+
+int main(int argc, char** argv) {
+    testing::InitGoogleMock(&argc, argv);
+    if (!GTEST_FLAG_GET(list_tests)) {
+        try {
+            vantrel::PrivateMachine::enter();
+        } catch (const std::exception& error) {
+            std::cerr << error.what() << '\n';
+            return EXIT_FAILURE;
+        }
+    }
+    return RUN_ALL_TESTS();
+}
