@@ -15,8 +15,10 @@ namespace {
 
 using gnustep::PropertyList;
 using gnustep::PropertyListChanges;
+using posix::Trouble;
 
-constexpr double longestWait = 2;  // seconds
+/// Seconds. With the quarter of one for a file that isn't whole, nobody who clicks waits for two.
+constexpr double longestWait = 1.5;
 /// A quarter of a second, after which a file is whole that another program was rewriting in place.
 constexpr struct timespec untilWhole { 0, 250'000'000 };
 /// How often a change is made again because somebody who doesn't ask for the lock came in between.
@@ -40,9 +42,13 @@ public:
         : calls_(calls),
           path_(path),
           file_(calls, posix::openToRead(calls, path, status_, O_NOFOLLOW)),
-          list_(read()) {}
+          list_(read()),
+          error_(errno) {}
 
     std::optional<PropertyList>& list() { return list_; }
+
+    /// Why there is no `list`.
+    int error() const { return error_; }
 
     /// Whether this may be the beginning of a file that another program is rewriting in place.
     bool isDoubtful() const { return file_.isOpen() && (!list_ || status_.st_size == 0); }
@@ -63,7 +69,10 @@ private:
         if (bytes->empty()) return PropertyList();
         auto list = PropertyList::parse(std::move(*bytes));
         // A binary list can be many times longer once it is written out.
-        return list && list->bytes().size() <= largestRecord ? std::move(list) : std::nullopt;
+        const bool isTooLong = list && list->bytes().size() > largestRecord;
+        if (isTooLong) list.reset();
+        if (!list) errno = isTooLong ? EOVERFLOW : EBADMSG;
+        return list;
     }
 
     posix::SystemCalls& calls_;
@@ -71,12 +80,17 @@ private:
     struct stat status_ {};
     posix::Descriptor file_;
     std::optional<PropertyList> list_;
+    int error_;
 };
 
 }  // namespace
 
 OverrideRecord::OverrideRecord(const std::string& applicationSupportFolder, Log& log, posix::SystemCalls& calls)
-    : path_(overrideRecordFile(applicationSupportFolder)), folder_(posix::folderOf(path_)), log_(log), calls_(calls) {}
+    : path_(overrideRecordFile(applicationSupportFolder)),
+      folder_(posix::folderOf(path_)),
+      calls_(calls),
+      failure_(log),
+      lockFailure_(log) {}
 
 std::optional<PropertyList> OverrideRecord::read() {
     const posix::Descriptor folder(calls_, posix::openFolder(calls_, folder_, O_NOFOLLOW));
@@ -88,9 +102,19 @@ std::optional<PropertyList> OverrideRecord::read() {
 }
 
 bool OverrideRecord::change(const PropertyList& before, const PropertyList& after) {
-    if (posix::makeFolders(calls_, folder_) != 0) return false;
+    const auto trouble = store(before, after);
+    if (trouble) {
+        failure_.met(posix::sentence(path_, "couldn’t be changed", *trouble));
+    } else {
+        failure_.isOver("“" + posix::nameOf(path_) + "” can be changed again: " + path_);
+    }
+    return !trouble;
+}
+
+std::optional<Trouble> OverrideRecord::store(const PropertyList& before, const PropertyList& after) {
+    if (posix::makeFolders(calls_, folder_) != 0) return Trouble{errno, folder_};
     posix::Descriptor folder(calls_, posix::openFolder(calls_, folder_, O_NOFOLLOW));
-    if (!folder.isOpen()) return false;
+    if (!folder.isOpen()) return Trouble{errno, folder_};
     lock(folder);
 
     const auto changes = changesBetween(before, after);
@@ -100,19 +124,20 @@ bool OverrideRecord::change(const PropertyList& before, const PropertyList& afte
             calls_.nanosleep(untilWhole);
             continue;
         }
-        const auto list = look.list() ? look.list()->with(changes) : std::nullopt;
+        if (!look.list()) return Trouble{look.error(), path_};
+        const auto list = look.list()->with(changes);
         // What couldn't be read again would be lost to everybody.
-        if (!list || list->bytes().size() > largestRecord) return false;
+        if (!list || list->bytes().size() > largestRecord) return Trouble{EOVERFLOW, path_};
 
         posix::FileReplacement replacement(calls_, path_, posix::Links::replaced);
-        if (replacement.prepare(list->bytes()) != 0) return false;
+        if (replacement.prepare(list->bytes()) != 0) return Trouble{errno, folder_};
         if (!look.isStillSo()) continue;
-        const bool isPlaced = replacement.place() == 0;
+        if (replacement.place() != 0) return Trouble{errno, path_};
         // Others go on while the renaming is on its way to the disk: who writes without end would starve them else.
         folder.close();
-        return isPlaced && replacement.settle() == 0;
+        return replacement.settle() == 0 ? std::nullopt : std::optional(Trouble{errno, folder_});
     }
-    return false;
+    return Trouble{EBUSY, path_};
 }
 
 // The lock is on the folder: nothing is left behind, nothing can be put in its place, and it dies with its process. On
@@ -122,9 +147,10 @@ void OverrideRecord::lock(const posix::Descriptor& folder) {
     posix::Patience patience(calls_, longestWait);
     while (calls_.flock(folder.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         if (patience.pause()) continue;
-        log_.log(folder_ + " is locked by another program for too long, the override record is changed all the same");
+        lockFailure_.met(posix::sentence(path_, "is changed without its lock", {EBUSY, folder_}));
         return;
     }
+    lockFailure_.isOver("“" + posix::nameOf(path_) + "” is changed with its lock again: " + folder_);
 }
 
 }  // namespace vantrel

@@ -7,7 +7,9 @@
 #include "platform/Log.h"
 #include "platform/gnustep/PropertyList.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/PersistingFailure.h"
 #include "platform/posix/SystemCalls.h"
+#include "platform/posix/Trouble.h"
 
 namespace vantrel {
 
@@ -37,18 +39,20 @@ public:
     /// nothing; of two who change one entry, the last one wins. The record is replaced whole and durably, mode 0600,
     /// its folders are made where they are missing.
     ///
-    /// Waits two seconds for the others at most, then goes on and says so in the log. False when the record can't be
+    /// Waits a second and a half for the others at most, then goes on without the lock. False when the record can't be
     /// read or written, or couldn't be read afterwards; it is then as it was, or, when only the last step to the disk
-    /// failed, already changed.
+    /// failed, already changed. The log hears of either, and of the next success.
     [[nodiscard]] bool change(const gnustep::PropertyList& before, const gnustep::PropertyList& after);
 
 private:
+    std::optional<posix::Trouble> store(const gnustep::PropertyList& before, const gnustep::PropertyList& after);
     void lock(const posix::Descriptor& folder);
 
     std::string path_;
     std::string folder_;
-    Log& log_;
     posix::SystemCalls& calls_;
+    posix::PersistingFailure failure_;
+    posix::PersistingFailure lockFailure_;
 };
 
 }  // namespace vantrel

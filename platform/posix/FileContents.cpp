@@ -55,8 +55,10 @@ std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, std::s
         if (got < 0) return std::nullopt;
         if (got == 0) return contents;
         contents.append(buffer.data(), static_cast<std::size_t>(got));
-        if (contents.size() > mostBytes) return std::nullopt;
+        if (contents.size() > mostBytes) break;
     }
+    errno = EOVERFLOW;
+    return std::nullopt;
 }
 
 std::optional<std::string> contentsOfFile(SystemCalls& calls, const std::string& path, std::size_t mostBytes) {

@@ -15,6 +15,7 @@ struct Reason {
 /// The reasons in our own words: the system's own come in the language of the process, and many are obscure.
 constexpr auto reasons = std::to_array<Reason>({
     {EACCES, "permission is denied here"},
+    {EBADMSG, "this isn’t a property list"},
     {EBUSY, "this is in use"},
     {EDQUOT, "your share of the disk is used up here"},
     {EEXIST, "this already exists"},
@@ -32,6 +33,7 @@ constexpr auto reasons = std::to_array<Reason>({
     {ENOSPC, "the disk is full here"},
     {ENOSYS, "the system can’t rename without the risk of overwriting this"},
     {ENOTDIR, "a part of this path is no folder"},
+    {EOVERFLOW, "this is too long"},
     {EPERM, "the system doesn’t permit it here"},
     {EROFS, "the disk here can only be read"},
     {ESTALE, "the disk here has been exchanged or lost"},

@@ -17,6 +17,8 @@ namespace {
 using gnustep::PropertyList;
 using gnustep::PropertyListChanges;
 using posix::TemporaryFolder;
+using testing::_;
+using testing::AllOf;
 using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -407,13 +409,19 @@ struct Lock {
     int file = -1;
 };
 
-TEST_F(OverrideRecordTest, ALockIsWaitedForTwoSecondsAndThenDoneWithoutInOneLineOfTheLog) {
-    const Lock lock(folder);
-    EXPECT_TRUE(set({{"CPUM", 2}}));
-    EXPECT_GE(calls.secondsSlept(), 2);
-    EXPECT_LE(calls.secondsSlept(), 2.005);
-    EXPECT_EQ(stored(), (Numbers{{"CPUM", 2}}));
-    EXPECT_THAT(journal.lines(), ElementsAre(HasSubstr(folder / "Vantrel is locked by another program")));
+TEST_F(OverrideRecordTest, ALockIsWaitedForASecondAndAHalfAndThenDoneWithoutInOneLineOfTheLog) {
+    {
+        const Lock lock(folder);
+        EXPECT_TRUE(set({{"CPUM", 2}}));
+        EXPECT_GE(calls.secondsSlept(), 1.5);
+        EXPECT_LE(calls.secondsSlept(), 1.505);
+        EXPECT_EQ(stored(), (Numbers{{"CPUM", 2}}));
+        EXPECT_TRUE(set({{"CPUM", 3}}));
+        EXPECT_THAT(journal.lines(), ElementsAre(AllOf(HasSubstr("is changed without its lock because this is in use"),
+                                                       HasSubstr(folder / "Vantrel"))));
+    }
+    EXPECT_TRUE(set({{"CPUM", 4}}));
+    EXPECT_THAT(journal.lines(), ElementsAre(_, HasSubstr("is changed with its lock again")));
 }
 
 TEST_F(OverrideRecordTest, WithoutTheLockWhatOthersWroteMeanwhileStays) {
@@ -530,6 +538,51 @@ TEST_F(OverrideRecordTest, TheFoldersAboveMayBeLinks) {
 }
 
 // Failures
+
+TEST_F(OverrideRecordTest, AFailureIsLoggedOnceWithPathAndReasonAndSoIsItsEnd) {
+    writeRecord(listOf(""));
+    calls.failEvery("mkostemp", ENOSPC);
+    EXPECT_FALSE(set({{"CPUM", 2}}));
+    EXPECT_FALSE(set({{"CPUM", 3}}));
+    EXPECT_THAT(journal.lines(),
+                ElementsAre(AllOf(HasSubstr("“OverrideMetadata.plist” couldn’t be changed because the disk is full"),
+                                  HasSubstr(folder / "Vantrel"))));
+    calls.failEvery("mkostemp", 0);
+    EXPECT_TRUE(set({{"CPUM", 2}}));
+    EXPECT_TRUE(set({{"CPUM", 3}}));
+    EXPECT_THAT(journal.lines(), ElementsAre(_, HasSubstr("“OverrideMetadata.plist” can be changed again: ")));
+}
+
+TEST_F(OverrideRecordTest, TheLogTellsWhyARecordCantBeChanged) {
+    const struct {
+        std::string record;
+        const char* reason;
+    } unusable[] = {{"not a list", "this isn’t a property list: "},
+                    {listOf(std::string(largestRecord, ' ')), "this is too long: "},
+                    {listThatGrowsWhenItIsRead(), "this is too long: "}};
+    for (const auto& each : unusable) {
+        writeRecord(each.record);
+        EXPECT_FALSE(set({{"CPUM", 2}}));
+        EXPECT_THAT(journal.lines().back(), HasSubstr(each.reason + folder / recordName));
+    }
+}
+
+TEST_F(OverrideRecordTest, TheLogTellsOfEveryCallThatKeepsAChangeFromTheRecord) {
+    writeRecord(listOf(""));
+    const struct {
+        const char* call;
+        int nth;
+    } needed[] = {{"open", 1},  {"open", 2},  {"open", 3},   {"mkostemp", 1},
+                  {"write", 1}, {"fsync", 1}, {"rename", 1}, {"fsync", 2}};
+    for (const auto& [call, nth] : needed) {
+        const auto told = journal.lines().size();
+        calls.failNth(call, nth, EIO);
+        EXPECT_FALSE(set({{"CPUM", 2}})) << call << nth;
+        EXPECT_THAT(journal.lines().back(), HasSubstr("because the disk reports an error here: ")) << call << nth;
+        EXPECT_TRUE(set({{"CPUM", 3}}));
+        EXPECT_EQ(journal.lines().size(), told + 2) << call << nth;
+    }
+}
 
 TEST_F(OverrideRecordTest, WhateverCallFailsTheRecordIsTheOldOneOrTheNewOneAndNothingElseIsLeft) {
     writeRecord(listOf("<key>CPUM</key><integer>1</integer>"));
