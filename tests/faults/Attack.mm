@@ -287,6 +287,17 @@ std::set<std::string> keysOf(const std::vector<Entries> &all) {
     return keys;
 }
 
+/// What docs/troubleshooting.md says to do when the check box doesn't tell what is in Final Cut Pro's folder.
+void mendEnablers() {
+    if (stateOfEnablers() == "broken") fs::rename(backup, active);
+    const bool isOn = stateOfEnablers() == "on";
+    if (valueOf(entriesOf(domainFile), "fcpRTEnableSwap") == (isOn ? "bool 1" : "bool 0")) return;
+    const std::string value = isOn ? "'<*BY>'" : "'<*BN>'";
+    if (std::system(("defaults write com.vantrel.codec fcpRTEnableSwap " + value).c_str()) != 0) {
+        throw std::runtime_error("`defaults` doesn't write");
+    }
+}
+
 struct Figures {
     int attacks = 0;
     int broken = 0;
@@ -405,10 +416,13 @@ class Judge {
             require(all.size() == 3, "the damaged file isn't kept once");
         }
         if (!swaps()) return;
-        // Mended by hand, the swap works, and the copy takes away what another left.
-        if (stateOfEnablers() == "on") fs::remove(active);
-        if (stateOfEnablers() != "off") fs::rename(backup, active);
-        inProcess([] { PaneWithoutView().click("fcpRTEnable", "fcpRTEnableCheckBox:", NSOnState); });
+        mendEnablers();
+        inProcess([] {
+            const PaneWithoutView pane;
+            pane.open();
+            if (pane.number("fcpRTEnable") != NSOffState) pane.click("fcpRTEnable", "fcpRTEnableCheckBox:", NSOffState);
+            if (stateOfEnablers() == "off") pane.click("fcpRTEnable", "fcpRTEnableCheckBox:", NSOnState);
+        });
         require(stateOfEnablers() == "on", "the swap doesn't work any more");
         require(namesIn(enablers).size() == 2, "left something in Final Cut Pro's folder");
     }

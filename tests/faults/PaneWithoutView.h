@@ -18,6 +18,9 @@ class PaneWithoutView {
     /// The user makes a control show `number`, a state or an index, and the control sends its action.
     void click(const char *outlet, const char *action, NSInteger number) const;
 
+    /// What a control shows, a state or an index.
+    NSInteger number(const char *outlet) const;
+
     /// The user types a folder and confirms it.
     void type(const char *outlet, const char *action, NSString *text) const;
 

@@ -101,6 +101,10 @@ void PaneWithoutView::click(const char *outlet, const char *action, NSInteger nu
     [object_ performSelector:sel_registerName(action) withObject:sender];
 }
 
+NSInteger PaneWithoutView::number(const char *outlet) const {
+    return control(object_, outlet)->number;
+}
+
 void PaneWithoutView::type(const char *outlet, const char *action, NSString *text) const {
     control(object_, outlet)->text = text;
     [object_ performSelector:sel_registerName(action) withObject:nil];
