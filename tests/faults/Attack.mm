@@ -310,6 +310,9 @@ class Judge {
         recordBefore_ = entriesOf(recordFile);
         done_ = play(flow, {}, flow.act);
         notDone_ = play(flow, {}, leaveIt);
+        if (done_.status != 0 || notDone_.status != 0) {
+            throw std::runtime_error("without an attack already, " + std::string(flow.name) + " fails");
+        }
     }
 
     int calls() const { return done_.report.calls; }
@@ -468,6 +471,8 @@ int run(int every) {
         throw std::runtime_error("this is not " + defaults);
     }
     principalClass();
+    // Its images and what they need are loaded once for all processes.
+    [[NSMenuItem new] release];
     // An alert is a window.
     method_setImplementation(class_getInstanceMethod([NSAlert class], @selector(runModal)),
                              reinterpret_cast<IMP>(reinterpret_cast<void *>(runNothing)));

@@ -39,7 +39,8 @@
 }
 - (void)removeAllItems {
 }
-- (void)addItemWithTitle:(NSString *)title {
+- (id)menu {
+    return nil;
 }
 - (NSInteger)indexOfSelectedItem {
     return number;
