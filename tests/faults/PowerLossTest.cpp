@@ -13,24 +13,24 @@
 #include "platform/memory/MemoryPreferences.h"
 #include "platform/memory/MemorySystem.h"
 #include "platform/posix/PosixFiles.h"
-#include "tests/faults/VolatileDisk.h"
 #include "tests/host/PrivateMachine.h"
+#include "tests/platform/posix/DiskWithPowerCuts.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
 namespace vantrel {
 namespace {
 
 namespace fs = std::filesystem;
-using posix::Tree;
+using posix::DiskWithPowerCuts;
 using testing::AnyOf;
 using testing::AnyOfArray;
 using testing::Contains;
 using testing::Pair;
 
 /// What is in a file after a power cut; "nothing" where there is none.
-std::string contentOf(const Tree& tree, const std::string& path) {
-    const auto found = tree.find(path);
-    return found == tree.end() ? "nothing" : found->second;
+std::string contentOf(const DiskWithPowerCuts::Contents& left, const std::string& path) {
+    const auto found = left.find(path);
+    return found == left.end() ? "nothing" : found->second;
 }
 
 // The settings
@@ -40,38 +40,37 @@ constexpr std::string_view appID = "com.vantrel.codec";
 struct PowerLossOfTheStore : testing::Test {
     /// Clicks once more, while the power may be cut: one of `before` is found, or what the click makes of it, and that
     /// alone once the click has ended.
-    void click(posix::VolatileDisk& disk, gnustep::GNUstepPreferences& preferences, long value) {
+    void click(DiskWithPowerCuts& disk, gnustep::GNUstepPreferences& preferences, long value) {
         seen.clear();
-        const std::string before = fs::exists(file) ? folder.read(name) : "nothing";
-        disk.afterChange = [&] { see(disk); };
+        const std::string before = fs::exists(folder / name) ? folder.read(name) : "nothing";
+        disk.before = [&](const std::string&) { see(disk); };
         preferences.setAppValue("look", value, appID);
         ASSERT_TRUE(preferences.synchronize(appID));
         const std::string after = folder.read(name);
         EXPECT_THAT(seen, testing::Each(AnyOf(before, after)));
         EXPECT_THAT(seen, Contains(before));
-        for (const auto& tree : disk.afterACut()) EXPECT_EQ(contentOf(tree, file), after);
+        for (const auto& left : disk.afterACut()) EXPECT_EQ(contentOf(left, name), after);
     }
 
-    void see(const posix::VolatileDisk& disk) {
-        for (const auto& tree : disk.afterACut()) seen.insert(contentOf(tree, file));
+    void see(const DiskWithPowerCuts& disk) {
+        for (const auto& left : disk.afterACut()) seen.insert(contentOf(left, name));
     }
 
     const std::string name = "com.vantrel.codec.plist";
     posix::TemporaryFolder folder;
-    const std::string file = folder / name;
     memory::Journal journal;
     memory::MemoryLog log{journal};
     std::set<std::string> seen;
 };
 
 TEST_F(PowerLossOfTheStore, AClickIsThereOrNotAndThereForGoodOnceItHasEnded) {
-    posix::VolatileDisk disk(folder.path);
+    DiskWithPowerCuts disk(folder.path);
     gnustep::GNUstepPreferences preferences(folder.path, log, disk);
     for (const long value : {1, 2, 3}) click(disk, preferences, value);
 }
 
 TEST_F(PowerLossOfTheStore, AClickOfAnotherProcessOnTheSameFileIsThereTheSame) {
-    posix::VolatileDisk disk(folder.path);
+    DiskWithPowerCuts disk(folder.path);
     gnustep::GNUstepPreferences ours(folder.path, log, disk);
     gnustep::GNUstepPreferences theirs(folder.path, log, disk);
     click(disk, ours, 1);
@@ -82,14 +81,14 @@ TEST_F(PowerLossOfTheStore, AClickOfAnotherProcessOnTheSameFileIsThereTheSame) {
 TEST_F(PowerLossOfTheStore, ADamagedFileIsThereUnderOneNameOrTheOther) {
     const std::string damage = "<plist><dict>";
     folder.write(name, damage);
-    posix::VolatileDisk disk(folder.path);
+    DiskWithPowerCuts disk(folder.path);
     gnustep::GNUstepPreferences preferences(folder.path, log, disk);
-    disk.afterChange = [&] {
-        for (const auto& tree : disk.afterACut()) EXPECT_THAT(tree, Contains(Pair(testing::_, damage)));
+    disk.before = [&](const std::string&) {
+        for (const auto& left : disk.afterACut()) EXPECT_THAT(left, Contains(Pair(testing::_, damage)));
     };
     preferences.setAppValue("look", true, appID);
     EXPECT_TRUE(preferences.synchronize(appID));
-    disk.afterChange();
+    disk.before("");
 }
 
 // Final Cut Pro's folder
@@ -118,9 +117,9 @@ struct PowerLossOfTheEnabler : testing::Test {
     }
 
     /// "off", "on" or "broken", which keep Final Cut Pro's own; anything else loses it.
-    static std::string stateOf(const Tree& tree) {
-        const auto now = contentOf(tree, active);
-        const auto saved = contentOf(tree, backup);
+    static std::string stateOf(const DiskWithPowerCuts::Contents& left) {
+        const auto now = contentOf(left, fs::path(active).filename());
+        const auto saved = contentOf(left, fs::path(backup).filename());
         if (now == theirs && saved == "nothing") return "off";
         if (now == ours && saved == theirs) return "on";
         if (now == "nothing" && saved == theirs) return "broken";
@@ -130,15 +129,15 @@ struct PowerLossOfTheEnabler : testing::Test {
     /// Clicks while the power may be cut; only the state `wanted` is found once the click has ended, and the key is
     /// stored only then.
     void click(bool on, const std::string& wanted) {
-        posix::VolatileDisk disk(enablers);
+        DiskWithPowerCuts disk(enablers);
         posix::PosixFiles files(disk, std::string(enablerPaths::application));
         gnustep::GNUstepPropertyLists propertyLists(disk);
         EnablerSwitch enablerSwitch(files, propertyLists, alerts, log, store);
-        disk.afterChange = [&] {
-            for (const auto& tree : disk.afterACut()) EXPECT_THAT(stateOf(tree), AnyOf("off", "on", "broken"));
+        disk.before = [&](const std::string&) {
+            for (const auto& left : disk.afterACut()) EXPECT_THAT(stateOf(left), AnyOf("off", "on", "broken"));
         };
         EXPECT_EQ(enablerSwitch.turn(on ? onState : offState), std::nullopt);
-        for (const auto& tree : disk.afterACut()) EXPECT_EQ(stateOf(tree), wanted);
+        for (const auto& left : disk.afterACut()) EXPECT_EQ(stateOf(left), wanted);
     }
 
     memory::Journal journal;

@@ -71,6 +71,11 @@ public:
         if (renamed == 0) noteChange(to, {{from, std::nullopt}, {to, number}});
         return renamed;
     }
+    int link(const char* from, const char* to) override {
+        const int linked = FaultySystemCalls::link(from, to);
+        if (linked == 0) noteChange(to, {{to, numberOf(to)}});
+        return linked;
+    }
     int unlink(const char* path) override {
         const int removed = FaultySystemCalls::unlink(path);
         if (removed == 0) noteChange(path, {{path, std::nullopt}});
