@@ -3,11 +3,6 @@
 # GNUSTEP_CONFIG_FILE never touches the real home.
 function(gnustep_home name)
     set(home ${CMAKE_CURRENT_BINARY_DIR}/${name})
-    file(READ /etc/GNUstep/GNUstep.conf system_configuration)
-    file(WRITE ${home}/GNUstep.conf "${system_configuration}
-GNUSTEP_USER_CONFIG_FILE=${home}/none
-GNUSTEP_USER_DEFAULTS_DIR=${home}/Defaults
-GNUSTEP_USER_DIR_LIBRARY=${home}/Library
-")
+    execute_process(COMMAND ${PROJECT_SOURCE_DIR}/tests/gnustep-home.sh ${home} COMMAND_ERROR_IS_FATAL ANY)
     set(${name} ${home} PARENT_SCOPE)
 endfunction()

@@ -1,5 +1,6 @@
 # For what other processes load: nothing of it is seen but what it means to show, and there is little for the loader to
-# look at.
+# look at. (clang's sanitizers are in the program, so there something is always missing.)
 add_library(vantrel_loadable INTERFACE)
-target_link_options(vantrel_loadable INTERFACE -Wl,--exclude-libs,ALL -Wl,--no-undefined -Wl,--gc-sections
-                    -Wl,--as-needed -Wl,-O1 -Wl,-z,pack-relative-relocs $<$<CONFIG:MinSizeRel>:-s>)
+target_link_options(vantrel_loadable INTERFACE -Wl,--exclude-libs,ALL -Wl,--gc-sections
+                    $<$<CXX_COMPILER_ID:GNU>:-Wl,--no-undefined> -Wl,--as-needed -Wl,-O1
+                    -Wl,-z,pack-relative-relocs $<$<CONFIG:MinSizeRel>:-s>)

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # The settings host in a Debian tree, on a desktop outside it, as a library for bash: the end-to-end tests' library with
 # the folders and the host of the tree.
 source "$(dirname "${BASH_SOURCE[0]}")/tree.sh"
@@ -35,7 +36,5 @@ click_in_tree() { # picture
     settle
     keep_picture "$1"
     sed 's/^/    /' "$defaults_file"
-    kill "$host_process"
-    wait "$host_process" || true
-    unset host_process
+    close_host
 }

@@ -7,16 +7,14 @@
 # BUILD is the build folder, kept for the next time, PICTURES the folder for the pictures, TREES keeps what makes the
 # tree.
 source "$(dirname "${BASH_SOURCE[0]}")/host-in-tree.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/packages.sh"
 build=$1 VANTREL_PICTURES=$2 tree_cache=$3
 enter_own_namespace "$@"
 
 packaging=$(dirname "$(realpath "$0")")
 sources=$(dirname "$packaging")
 
-# The list for building, less what looks at the sources, makes packages or watches the display from outside.
-outside='build-essential|clang|clang-format|clang-tidy|debhelper|debootstrap|fonts-noto-cjk|g\+\+-multilib|gcovr'
-outside+='|imagemagick|libclang-rt-14-dev|lintian|openbox|procps|util-linux|x11-utils|xauth|xdotool|xvfb'
-make_tree i386 "$(grep -vxE "$outside" "$packaging/debian-packages.txt" | paste -sd,)"
+make_tree i386 "$(packages_for run test | paste -sd,)"
 
 mkdir -p "$build" "$tree/sources" "$tree/build"
 mount --bind "$sources" "$tree/sources"

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Fresh Debian trees for tests that install packages, as a library for bash.
 #
 #   enter_own_namespace   runs the script again as root, in a mount and process namespace of its own
@@ -22,7 +23,7 @@ enter_own_namespace() { # the script's arguments
 # The mirror that this machine itself gets Debian from.
 mirror() {
     sources() {
-        apt-get indextargets --format '$(REPO_URI)' "Codename: $suite" "Component: main" "Created-By: Packages"
+        apt-get indextargets --format "\$(REPO_URI)" "Codename: $suite" "Component: main" "Created-By: Packages"
     }
     # Where nothing is known of the sources, apt has to ask them first.
     [[ -n $(sources) ]] || apt-get --quiet --quiet update >&2
@@ -35,7 +36,7 @@ mirror() {
 # Sets `tree` to a fresh Debian of an architecture in which a Depends field is satisfied, with an ordinary user.
 make_tree() { # architecture, Depends field
     local archive
-    mkdir -p "$tree_cache/packages" "$tree_cache/tree"
+    mkdir -p "${tree_cache:?}/packages" "$tree_cache/tree"
     tree=$(realpath "$tree_cache/tree")
     archive=$tree_cache/$suite-$1-$(sha256sum <<<"$2" | cut -c 1-12).tar
     if [[ ! -f $archive ]]; then

@@ -33,7 +33,7 @@ __attribute__((visibility("default")))
     IBOutlet NSPopUpButton *decodeThreads;
     IBOutlet NSPopUpButton *presentationDemosaic;
     IBOutlet NSPopUpButton *renderDemosaic;
-    // NOLINTBEGIN(bugprone-reserved-identifier): the interface file knows them by these names.
+    // The interface file knows them by these names.
     IBOutlet NSTextField *_LUTsPath;
     IBOutlet NSTextField *_overridePath;
     IBOutlet NSButton *_LUTsOK;
@@ -46,7 +46,6 @@ __attribute__((visibility("default")))
     NSString *appID;
     NSString *_LUTsPathString;
     NSString *_overridePathString;
-    // NOLINTEND(bugprone-reserved-identifier)
 
    @private
     vantrel::VantrelPref *_pane;

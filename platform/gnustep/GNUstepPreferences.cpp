@@ -19,7 +19,8 @@ PreferenceValue GNUstepPreferences::copyAppValue(std::string_view key, std::stri
 }
 
 PreferenceValue GNUstepPreferences::orGlobal(std::string_view key, PreferenceValue value) {
-    return std::holds_alternative<Absent>(value) ? domain("NSGlobalDomain").value(key, sequence_) : value;
+    if (std::holds_alternative<Absent>(value)) return domain("NSGlobalDomain").value(key, sequence_);
+    return value;
 }
 
 void GNUstepPreferences::setAppValue(std::string_view key, const NewPreferenceValue& value,

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -270,7 +271,7 @@ std::string encodingOf(std::string_view xml) {
 
 std::string inUTF8(std::string_view xml, const std::string& encoding) {
     const std::unique_ptr<void, decltype(&iconv_close)> converter(iconv_open("UTF-8", encoding.c_str()), iconv_close);
-    if (converter.get() == reinterpret_cast<iconv_t>(-1)) return {};
+    if (reinterpret_cast<std::intptr_t>(converter.get()) == -1) return {};
     std::string text;
     text.reserve(std::min(2 * xml.size(), largestPropertyList));
     char* from = const_cast<char*>(xml.data());

@@ -22,7 +22,7 @@ public:
     }
 
     FileFailure moveItemAtPath(const std::string& from, const std::string& to) override {
-        const auto failure = transfer("move " + from + " -> " + to, from, to);
+        auto failure = transfer("move " + from + " -> " + to, from, to);
         if (!failure) contents.erase(from);
         return failure;
     }

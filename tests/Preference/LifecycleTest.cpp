@@ -6,7 +6,6 @@ namespace vantrel::memory {
 namespace {
 
 using testing::ElementsAre;
-using testing::Pair;
 
 // initWithBundle
 

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "Preference/Vantrel/VantrelPref.h"
-#include "overrides/MemoryOverrides.h"
 #include "platform/memory/MemoryControls.h"
 #include "platform/memory/MemoryFiles.h"
 #include "platform/memory/MemoryPreferences.h"
 #include "platform/memory/MemorySystem.h"
+#include "tests/overrides/MemoryOverrides.h"
 
 namespace vantrel::memory {
 

@@ -21,8 +21,6 @@ edit() { # key, field, OK, Undo, the other OK, the other Undo, picture
     settle
     expect_same "$undo after OK" "$(look_of "$undo")" "$undo_before"
 
-    local field_before
-    field_before=$(look_of "$field")
     type_into "$field" "never kept"
     click_control "$undo"
     settle

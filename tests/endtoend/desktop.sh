@@ -1,8 +1,9 @@
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034 # what it sets is for those who source it
 # A desktop of our own, with the settings host on it, as a library for bash.
 #
 #   start_desktop   a virtual display with a window manager, told to all that is started afterwards
 #   open_host       the settings host; its windows go to $DISPLAY
+#   close_host      ends it
 #   open_pane       a click on our icon in the host
 #   take_picture    what the display shows, as a file
 #   tell_settings   where the user's settings are and what they hold
@@ -16,6 +17,8 @@ readonly box_left=12 box_top=46 box_bottom=12
 readonly icon_width=80 icon_height=87 icons_in_a_row=7 icon_middle=32
 readonly icons_height=356 host_height=414
 readonly pane_label=Vantrel domain=com.vantrel.codec
+# Seconds to wait for what a quiet machine does at once.
+readonly patience=30
 
 endtoend_folder=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
 interface_file=$(realpath "$endtoend_folder/../../Preference/Vantrel/Resources/VantrelPref.xib")
@@ -32,9 +35,9 @@ fail() {
     exit 1
 }
 
-# Runs a command again and again until it succeeds; after twenty seconds `what` is told and the script ends.
+# Runs a command again and again until it succeeds; after `patience` `what` is told and the script ends.
 wait_until() { # what, command and its arguments
-    local what=$1 end=$((SECONDS + 20))
+    local what=$1 end=$((SECONDS + patience))
     shift
     until "$@"; do
         ((SECONDS < end)) || fail "waited in vain for $what"
@@ -102,6 +105,12 @@ open_host() {
     settle
 }
 
+close_host() {
+    kill "$host_process"
+    wait "$host_process" || true
+    unset host_process
+}
+
 find_host_window() {
     host_window=$(xdotool search --onlyvisible --name '^System Preferences$' 2>/dev/null) && [[ -n $host_window ]]
 }
@@ -119,17 +128,35 @@ measure() { # window
     done < <(xwininfo -id "$1")
 }
 
-# Waits until two pictures taken one after the other are the same: everything is drawn.
+# Waits until everything has been done and drawn, on however busy a machine. What the host is sent while it draws can lie
+# in its queue until something else happens, so the pointer moves by a point in between.
 settle() {
-    local last="" next end=$((SECONDS + 20))
+    wait_until_all_sleep
+    xdotool mousemove_relative -- $((stir = -stir)) 0
+    wait_until_all_sleep
+}
+stir=-1
+
+# Waits until each of the desktop's threads has slept for a tenth of a second.
+wait_until_all_sleep() {
+    local last="" next end=$((SECONDS + patience))
     until
-        next=$(import -silent -window root rgb:- | cksum)
-        [[ $next == "$last" ]]
+        next=$(activity)
+        [[ $next == "$last" && $next != *State:?[!S]* ]]
     do
-        ((SECONDS < end)) || fail "the display does not come to rest"
+        ((SECONDS < end)) || fail "the desktop does not come to rest"
         last=$next
         sleep 0.1
     done
+}
+
+# What each of the desktop's threads does, and how often it has stopped doing something.
+activity() {
+    local processes
+    mapfile -t processes < <(desktop_processes)
+    # shellcheck disable=SC2046 # a word for each process
+    grep -sE '^(State|voluntary_ctxt_switches|nonvoluntary_ctxt_switches)' \
+        $(printf '/proc/%s/task/*/status ' "${processes[@]}") || true
 }
 
 # The labels of all panes that the host lists, in its order.
@@ -149,40 +176,26 @@ gnustep_folder() { # USER, LOCAL or SYSTEM
     gnustep-config --variable="GNUSTEP_$1_LIBRARY"
 }
 
-# The host misses a button that is released in the instant of its press.
+# The host misses a button that is released before it has seen to the press.
 click() { # x, y on the display
-    xdotool mousemove "$1" "$2" mousedown 1 sleep 0.05 mouseup 1
+    xdotool mousemove "$1" "$2"
+    settle
+    xdotool mousedown 1
+    wait_until_all_sleep
+    xdotool mouseup 1
 }
 
-# Clicks our icon and waits until the host's window has grown to the pane's height. On a busy machine the host loses a
-# click on an icon now and then; where the window is at rest and nothing has come of the click, it is clicked again.
+# Clicks our icon and waits until the host's window has grown to the pane's height.
 open_pane() {
-    local position icon_x icon_y pane_height attempt tries
+    local position row column x y width height
     read_controls
-    pane_height=$((host_height - icons_height + frames_height[view]))
     position=$(pane_labels | { grep -nx "$pane_label" || true; } | cut -d: -f1)
     [[ -n $position ]] || fail "the settings host has no pane called $pane_label"
-    position=$((position - 1))
+    row=$(((position - 1) / icons_in_a_row)) column=$(((position - 1) % icons_in_a_row))
     measure "$host_window"
-    icon_x=$((x + box_left + position % icons_in_a_row * icon_width + icon_width / 2))
-    icon_y=$((y + box_top + position / icons_in_a_row * icon_height + icon_middle))
-    for ((attempt = 0; attempt < 5; ++attempt)); do
-        click "$icon_x" "$icon_y"
-        for ((tries = 0; tries < 40; ++tries)); do
-            if host_is_high "$pane_height"; then
-                settle
-                return
-            fi
-            sleep 0.05
-        done
-        settle
-        if ! host_is_high "$host_height"; then
-            wait_until "the pane" host_is_high "$pane_height"
-            settle
-            return
-        fi
-    done
-    fail "no click on the icon opens the pane"
+    click $((x + box_left + column * icon_width + icon_width / 2)) $((y + box_top + row * icon_height + icon_middle))
+    wait_until "the pane" host_is_high $((host_height - icons_height + frames_height[view]))
+    settle
 }
 
 # Fills the tables of the controls' frames, counted from the top left corner of the pane's view, and of their items.
@@ -217,6 +230,7 @@ tell_settings() {
 settings_file() {
     local folder
     folder=$(
+        # shellcheck source=/dev/null
         source "${GNUSTEP_CONFIG_FILE:-/etc/GNUstep/GNUstep.conf}"
         echo "$GNUSTEP_USER_DEFAULTS_DIR"
     )

@@ -15,15 +15,9 @@ start_session() {
     start_desktop
     local home=$scratch/home
     record_file=$home/Library/ApplicationSupport/Vantrel/OverrideMetadata.plist
-    mkdir -p "$home/Defaults" "$home/Library/Bundles"
-    # GNUstep doesn't look at $HOME: only its configuration file leads it away from the account's own folders.
+    "$endtoend_folder/../gnustep-home.sh" "$home"
     export GNUSTEP_CONFIG_FILE=$home/GNUstep.conf
-    {
-        cat /etc/GNUstep/GNUstep.conf
-        echo "GNUSTEP_USER_CONFIG_FILE=$home/none"
-        echo "GNUSTEP_USER_DEFAULTS_DIR=$home/Defaults"
-        echo "GNUSTEP_USER_DIR_LIBRARY=$home/Library"
-    } >"$GNUSTEP_CONFIG_FILE"
+    mkdir -p "$home/Defaults" "$home/Library/Bundles"
     defaults_file=$(settings_file)
     cp -R "$VANTREL_BUNDLE" "$home/Library/Bundles/"
 }
@@ -51,10 +45,8 @@ find_control() { # outlet, or outlet/row of a radio matrix
     width=${frames_width[$1]} height=${frames_height[$1]}
 }
 
-# The host can lose a click that comes while it is still busy with the last one, so its window comes to rest first.
 click_control() { # outlet, or outlet/row of a radio matrix
     local x y width height
-    settle
     find_control "$1"
     click $((x + width / 2)) $((y + height / 2))
 }
@@ -65,12 +57,14 @@ choose_item() { # outlet, index, number of items if the interface file doesn't t
     find_control "$1"
     windows_before=$(visible_windows)
     pointer_x=$((x + width / 2)) pointer_y=$((y + height / 2))
-    xdotool mousemove "$pointer_x" "$pointer_y" mousedown 1
-    wait_until "the menu of $1" find_menu
+    xdotool mousemove "$pointer_x" "$pointer_y"
     settle
+    xdotool mousedown 1
+    wait_until "the menu of $1" find_menu
+    wait_until "the menu of $1 to be drawn" display_stands_still
     measure "$menu"
     xdotool mousemove $((x + width / 2)) $((y + height * (2 * $2 + 1) / (2 * count)))
-    settle
+    wait_until "the mark on item $2 of $1" display_stands_still
     xdotool mouseup 1
     wait_until "the end of the menu of $1" window_is_gone "$menu"
 }
@@ -84,6 +78,15 @@ find_menu() {
         ((x <= pointer_x && pointer_x < x + width && y <= pointer_y && pointer_y < y + height)) && return
     done
     return 1
+}
+
+# Whether two pictures taken one after the other are the same. An open menu never sleeps: it follows the pointer by the
+# clock.
+display_stands_still() {
+    local before
+    before=$(import -silent -window root rgb:- | cksum)
+    sleep 0.1
+    [[ $(import -silent -window root rgb:- | cksum) == "$before" ]]
 }
 
 # Replaces the text of a field, as typed on the keyboard.
@@ -137,7 +140,7 @@ print_stores() { # when
 
 # Waits until a key of the domain or of the override record holds a value.
 expect() { # stored or overridden, key, value
-    local seen end=$((SECONDS + 5))
+    local seen end=$((SECONDS + patience))
     until
         seen=$("$1" "$2")
         [[ $seen == "$3" ]]

@@ -23,7 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 using posix::DiskWithPowerCuts;
 using testing::AnyOf;
-using testing::AnyOfArray;
 using testing::Contains;
 using testing::Pair;
 

@@ -309,6 +309,7 @@ TEST_F(OverrideRecordTest, AChangeIsOnTheDiskBeforeItsNameAndTheNameBeforeTheEnd
 /// end.
 std::size_t numbersOf(const TemporaryFolder& folder, int processes, int numbersOfEach) {
     std::vector<pid_t> started;
+    started.reserve(static_cast<std::size_t>(processes));
     for (int process = 0; process < processes; ++process) {
         started.push_back(posix::startProcess([&] {
             memory::Journal journal;

@@ -18,7 +18,7 @@ for key in FormatRGB8 FormatRGB16 FormatRGB32 FormatDualStream3D FormatYUV8 Form
     FCPForceLetterBox; do
     before=$(stored $key)
     press space
-    [[ $before == true ]] && expect stored $key false || expect stored $key true
+    if [[ $before == true ]]; then expect stored $key false; else expect stored $key true; fi
     press Tab
 done
 

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What the tests of how the pane looks need beyond an end-to-end session.
 source "$(dirname "${BASH_SOURCE[0]}")/../endtoend/session.sh"
 pictures_folder=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
@@ -12,11 +13,6 @@ take_picture_of_pane() { # file
     import -silent -window root -crop "570x$pane_height+$((x + box_left))+$((y + height - box_bottom - pane_height))" \
         +repage "$1"
     echo "Picture: $1"
-}
-
-close_host() {
-    kill "$host_process"
-    wait "$host_process" || true
 }
 
 looks_like() { # picture, reference

@@ -3,8 +3,7 @@
 #include <unistd.h>
 
 #include <array>
-#include <fstream>
-#include <sstream>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -24,14 +23,7 @@ constexpr std::string_view appID = "com.vantrel.codec";
 
 /// The platform's own tool `defaults`, as a process of its own, and the store, on the same defaults folder.
 struct DefaultsToolTest : testing::Test {
-    DefaultsToolTest() {
-        std::ostringstream configuration;
-        configuration << std::ifstream("/etc/GNUstep/GNUstep.conf").rdbuf()
-                      << "\nGNUSTEP_USER_CONFIG_FILE=" << home / "none"
-                      << "\nGNUSTEP_USER_DEFAULTS_DIR=" << home / "Defaults"
-                      << "\nGNUSTEP_USER_DIR_LIBRARY=" << home / "Library" << '\n';
-        home.write("GNUstep.conf", configuration.str());
-    }
+    DefaultsToolTest() { EXPECT_EQ(std::system(("'" GNUSTEP_HOME "' " + home.path).c_str()), 0); }
 
     /// Starts `defaults` with `arguments`.
     pid_t start(const std::vector<std::string>& arguments, int output = -1) {

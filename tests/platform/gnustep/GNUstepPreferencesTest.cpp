@@ -22,12 +22,10 @@ namespace vantrel::gnustep {
 namespace {
 
 using testing::AllOf;
-using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
 constexpr std::string_view appID = "com.vantrel.codec";

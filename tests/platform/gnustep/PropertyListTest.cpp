@@ -19,7 +19,6 @@ namespace {
 
 using namespace std::string_literals;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 /// While it lives, the process's locale has a decimal sign that nobody expects. Made on the spot: none may be
 /// installed.

@@ -13,7 +13,6 @@
 namespace vantrel::posix {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
