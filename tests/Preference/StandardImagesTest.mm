@@ -1,13 +1,13 @@
 #import "Preference/Vantrel/StandardImages.h"
 
-#import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
-#import <PreferencePanes/PreferencePanes.h>
 #include <gmock/gmock.h>
 #import <objc/runtime.h>
 
 #include <string>
 #include <vector>
+
+#import "tests/bundle/Host.h"
 
 namespace vantrel {
 namespace {
@@ -57,7 +57,7 @@ NSImage *unusualImage() {
 
 /// A theme that has nothing but an unusual image of an empty check box.
 GSTheme *themeWithImage() {
-    NSString *images = @HOME_PATH "/Library/Themes/Unusual.theme/Resources/ThemeImages";
+    NSString *images = host::inHome("/Library/Themes/Unusual.theme/Resources/ThemeImages");
     [[NSFileManager defaultManager] createDirectoryAtPath:images
                               withIntermediateDirectories:YES
                                                attributes:nil
@@ -130,8 +130,7 @@ TEST_F(StandardImages, GiveWayToAThemeThatIsChosenLater) {
 }
 
 TEST_F(StandardImages, SpareTheOpeningOfThePaneEverySearch) {
-    NSBundle *bundle = [NSBundle bundleWithPath:@BUNDLE_PATH];
-    NSPreferencePane *pane = [[[bundle principalClass] alloc] initWithBundle:bundle];
+    NSPreferencePane *pane = [[host::principalClass() alloc] initWithBundle:host::bundle()];
     NSView *view = [pane loadMainView];
     ASSERT_NE(view, nil);
     NSWindow *window = [[NSWindow alloc] initWithContentRect:[view bounds]
@@ -148,10 +147,5 @@ TEST_F(StandardImages, SpareTheOpeningOfThePaneEverySearch) {
 }  // namespace vantrel
 
 int main(int argc, char **argv) {
-    testing::InitGoogleTest(&argc, argv);
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
-    [NSApplication sharedApplication];
-    const int result = RUN_ALL_TESTS();
-    [pool release];
-    return result;
+    return vantrel::host::runTests(argc, argv);
 }

@@ -30,6 +30,9 @@ NSBundle *bundle();
 /// test.
 std::string home();
 
+/// A path there: `path` with a slash in front.
+NSString *inHome(const char *path);
+
 /// Starts over: no preferences, no override record.
 void emptyHome();
 

@@ -17,10 +17,6 @@ std::string variableOfTheEnvironment(const char *name) {
     return value;
 }
 
-NSString *inHome(const char *path) {
-    return [NSString stringWithUTF8String:(home() + path).c_str()];
-}
-
 NSString *domainPath() {
     return inHome("/Defaults/com.vantrel.codec.plist");
 }
@@ -64,6 +60,10 @@ NSBundle *bundle() {
 
 std::string home() {
     return std::filesystem::path(variableOfTheEnvironment("GNUSTEP_CONFIG_FILE")).parent_path();
+}
+
+NSString *inHome(const char *path) {
+    return [NSString stringWithUTF8String:(home() + path).c_str()];
 }
 
 void emptyHome() {

@@ -1,5 +1,3 @@
-#import <AppKit/AppKit.h>
-#import <PreferencePanes/PreferencePanes.h>
 #include <gmock/gmock.h>
 #import <objc/runtime.h>
 
@@ -8,12 +6,12 @@
 #include <string>
 #include <vector>
 
+#import "tests/bundle/Host.h"
+
 // The archives in the bundle, compared with the interface files, one a language, from which they are made.
 
 namespace vantrel {
 namespace {
-
-using namespace std::string_literals;
 
 using Facts = std::vector<std::string>;
 
@@ -109,8 +107,7 @@ std::string described(id object) {
 class LoadedPane {
    public:
     explicit LoadedPane(NSString *file) {
-        NSBundle *bundle = [NSBundle bundleWithPath:@BUNDLE_PATH];
-        pane_ = [[[bundle principalClass] alloc] initWithBundle:bundle];
+        pane_ = [[host::principalClass() alloc] initWithBundle:host::bundle()];
         EXPECT_TRUE([NSBundle loadNibFile:file
                         externalNameTable:[NSDictionary dictionaryWithObject:pane_ forKey:NSNibOwner]
                                  withZone:nullptr]);
@@ -197,7 +194,8 @@ class LoadedPane {
 
 class Archive : public testing::TestWithParam<const char *> {
    protected:
-    NSString *archive_ = [NSString stringWithFormat:@BUNDLE_PATH "/Resources/%s.lproj/VantrelPref.gorm", GetParam()];
+    NSString *archive_ =
+        [NSString stringWithFormat:@"%s/Resources/%s.lproj/VantrelPref.gorm", host::bundlePath().c_str(), GetParam()];
     NSString *interfaceFile_ = [NSString stringWithFormat:@LOCALIZED_PATH "/%s.lproj/VantrelPref.xib", GetParam()];
 };
 
@@ -235,7 +233,8 @@ TEST_P(Archive, HasPopUpsWithoutTicks) {
 
 TEST_P(Archive, AndStringsAreAllThatTheBundleHasForALanguage) {
     std::vector<std::string> files;
-    for (const auto &file : std::filesystem::directory_iterator(BUNDLE_PATH "/Resources/"s + GetParam() + ".lproj")) {
+    for (const auto &file :
+         std::filesystem::directory_iterator(host::bundlePath() + "/Resources/" + GetParam() + ".lproj")) {
         files.push_back(file.path().filename());
     }
     EXPECT_THAT(files, testing::UnorderedElementsAre("VantrelPref.gorm", "Localizable.strings"));
@@ -248,10 +247,5 @@ INSTANTIATE_TEST_SUITE_P(In, Archive, testing::ValuesIn(languages),
 }  // namespace vantrel
 
 int main(int argc, char **argv) {
-    testing::InitGoogleTest(&argc, argv);
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
-    [NSApplication sharedApplication];
-    const int result = RUN_ALL_TESTS();
-    [pool release];
-    return result;
+    return vantrel::host::runTests(argc, argv);
 }

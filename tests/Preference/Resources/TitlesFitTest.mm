@@ -1,10 +1,10 @@
-#import <AppKit/AppKit.h>
-#import <PreferencePanes/PreferencePanes.h>
 #include <gtest/gtest.h>
 #import <objc/runtime.h>
 
 #include <string>
 #include <vector>
+
+#import "tests/bundle/Host.h"
 
 namespace vantrel {
 namespace {
@@ -24,8 +24,7 @@ std::string described(NSControl *control) {
 class TitlesFit : public testing::TestWithParam<const char *> {
    protected:
     TitlesFit() {
-        [NSApplication sharedApplication];
-        pane_ = [[[bundle() principalClass] alloc] initWithBundle:bundle()];
+        pane_ = [[host::principalClass() alloc] initWithBundle:host::bundle()];
         NSString *file = resource(@"VantrelPref", @"gorm");
         EXPECT_TRUE([NSBundle loadNibFile:file
                         externalNameTable:[NSDictionary dictionaryWithObject:pane_ forKey:NSNibOwner]
@@ -39,12 +38,10 @@ class TitlesFit : public testing::TestWithParam<const char *> {
         [pool_ release];
     }
 
-    static NSBundle *bundle() { return [NSBundle bundleWithPath:@BUNDLE_PATH]; }
-
     /// The path of a resource in the folder of the tested language.
     static NSString *resource(NSString *name, NSString *type) {
         NSString *language = [NSString stringWithUTF8String:GetParam()];
-        NSString *path = [bundle() pathForResource:name ofType:type inDirectory:nil forLocalization:language];
+        NSString *path = [host::bundle() pathForResource:name ofType:type inDirectory:nil forLocalization:language];
         EXPECT_NE([path rangeOfString:[language stringByAppendingPathExtension:@"lproj"]].location, NSNotFound);
         return path;
     }
@@ -136,3 +133,7 @@ INSTANTIATE_TEST_SUITE_P(In, TitlesFit, testing::Values("en", "de", "fr", "es", 
 
 }  // namespace
 }  // namespace vantrel
+
+int main(int argc, char **argv) {
+    return vantrel::host::runTests(argc, argv);
+}
