@@ -32,7 +32,8 @@ public:
 
     /// Stores what the user chose, with the key's part of `ColorProcessingPath`, and synchronises once. An index that
     /// is no selection (negative) counts as 0 in a menu and is stored as it is in a radio matrix. A menu's index is
-    /// held to the bits that it has: five for a limit, four for a demosaic method.
+    /// held to the bits that it has: five for a limit, four for a demosaic method. A value of another type than the
+    /// key's is stored as it is, alone.
     void change(const SettingsKey& key, const NewPreferenceValue& chosen);
 
     /// Writes a flag and synchronises.

@@ -75,6 +75,21 @@ TEST_F(MetadataDictionaryTest, WhatIsAddedIsInTheMetadataAtOnceAndInTheRecordAft
     EXPECT_EQ(stored(@"CPUM"), 3);
 }
 
+TEST_F(MetadataDictionaryTest, EveryKindOfValueThatIsAddedIsInTheRecordAfterTheWrite) {
+    NSDictionary *values = [NSDictionary
+        dictionaryWithObjectsAndKeys:@"text", @"NAME", number(-3), @"GAIN", [NSData dataWithBytes:"data" length:4],
+                                     @"DATA", [NSDate dateWithTimeIntervalSince1970:1], @"DATE",
+                                     [NSArray arrayWithObject:@"item"], @"LIST",
+                                     [NSDictionary dictionaryWithObject:@"value" forKey:@"key"], @"DICT", nil];
+    MetadataDictionary *overrides = fresh();
+    for (NSUInteger index = 0; index < [values count]; ++index) {
+        NSString *key = [[values allKeys] objectAtIndex:index];
+        [overrides addObject:[values objectForKey:key] withKey:key];
+    }
+    EXPECT_TRUE([overrides writeToOverride:nullptr]);
+    EXPECT_TRUE([record() isEqual:values]);
+}
+
 TEST_F(MetadataDictionaryTest, WhatIsChangedInThePlaceIsInTheRecordAfterTheWrite) {
     writeRecord([NSDictionary dictionaryWithObject:number(1) forKey:@"CLSF"]);
     MetadataDictionary *overrides = fresh();

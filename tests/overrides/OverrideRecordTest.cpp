@@ -286,6 +286,18 @@ TEST_F(OverrideRecordTest, NoChangeMakesItLongerThanCanBeRead) {
     EXPECT_TRUE(record.read());
 }
 
+TEST_F(OverrideRecordTest, NorLongerThanAnyListCanBe) {
+    writeRecord(listOf("<key>CPUM</key><integer>1</integer>"));
+    const auto before = file();
+    // As long a list as can be read, with no room for another entry.
+    auto entries = "<key>HUGE</key><string>" + std::string(gnustep::largestPropertyList, 'x') + "</string>";
+    entries.erase(30, listOf(entries).size() - gnustep::largestPropertyList);
+    const auto huge = PropertyList::parse(listOf(entries));
+    ASSERT_TRUE(huge);
+    EXPECT_FALSE(record.change({}, *huge));
+    EXPECT_EQ(file(), before);
+}
+
 TEST_F(OverrideRecordTest, WhereNothingCanBeWrittenTheRecordStaysAndTheChangeFails) {
     writeRecord(listOf("<key>CPUM</key><integer>1</integer>"));
     calls.failEvery("mkostemp", EROFS);
@@ -382,6 +394,12 @@ TEST_F(OverrideRecordTest, WhatCantBeLookedAtAgainIsNotReplaced) {
     calls.failEvery("lstat", EACCES);
     EXPECT_FALSE(set({{"MINE", 2}}));
     EXPECT_EQ(stored(), (Numbers{{"OLD", 1}}));
+}
+
+TEST_F(OverrideRecordTest, NorIsARecordMadeWhereNobodyCanTellWhetherThereIsOne) {
+    calls.failEvery("lstat", EACCES);
+    EXPECT_FALSE(set({{"MINE", 2}}));
+    EXPECT_THAT(names(), IsEmpty());
 }
 
 TEST_F(OverrideRecordTest, WhoRewritesTheFileInPlaceLosesNothing) {

@@ -143,6 +143,13 @@ TEST(Reading, ThePathIsNeverRepairedByItself) {
 
 // Texts
 
+TEST(Reading, WhatIsNotShownIsOfNoType) {
+    const Reading reading = readingOf(key("FormatDualStream3D"), Absent{});
+    EXPECT_EQ(reading.flag(), nullptr);
+    EXPECT_EQ(reading.index(), nullptr);
+    EXPECT_EQ(reading.text(), nullptr);
+}
+
 TEST(Reading, AStoredTextIsShown) {
     EXPECT_EQ(describe(readingOf(key("LUTsPath"), std::string("/luts"), {.defaultText = "/default"})),
               "stored, shown \"/luts\"");

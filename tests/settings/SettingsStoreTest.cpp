@@ -32,6 +32,11 @@ TEST_F(SettingsStoreTest, ARepairStoresTheDefaultAndNeverSynchronises) {
     EXPECT_THAT(journal.lines(), ElementsAre("read FormatRGB8", "write FormatRGB8 = true"));
 }
 
+TEST_F(SettingsStoreTest, ARepairedStageWhoseBitNobodyAsksForIsRepairedAlone) {
+    EXPECT_TRUE(*store.repair(key("look")).flag());
+    EXPECT_THAT(journal.lines(), ElementsAre("read look", "write look = true"));
+}
+
 TEST_F(SettingsStoreTest, AValidKeyNeedsNoRepair) {
     domain()["FormatRGB8"] = false;
     const Reading reading = store.repair(key("FormatRGB8"));
@@ -63,6 +68,13 @@ TEST_F(SettingsStoreTest, AChangedStageTakesItsBitAlongAndSynchronisesOnce) {
     store.change(key("gamma"), true);
     EXPECT_THAT(journal.lines(), ElementsAre("write gamma = true", "read ColorProcessingPath",
                                              "write ColorProcessingPath = 33", "synchronize"));
+}
+
+TEST_F(SettingsStoreTest, WhatIsOfAnotherTypeThanItsKeyIsStoredWithoutBits) {
+    store.change(key("gamma"), 2L);
+    store.change(key("RenderDebayer"), true);
+    EXPECT_THAT(journal.lines(),
+                ElementsAre("write gamma = 2", "synchronize", "write RenderDebayer = true", "synchronize"));
 }
 
 TEST_F(SettingsStoreTest, AChangedMethodTakesItsFieldAlongAndSynchronisesOnce) {
