@@ -71,9 +71,9 @@ private:
     virtual void endSequence() {}
 };
 
-/// Calls that belong together, as long as it lives: a view is set up, or all settings are listed. They see one state of
-/// the store, as it was at the first of them and as they change it, and all waiting in them for other processes is
-/// bounded together. A call outside is a sequence of its own. Sequences don't nest.
+/// Calls that belong together, as long as it lives: a view is set up, or all settings are listed. Where a platform can
+/// tell, they see one state of the store, as it was at the first of them and as they change it, and all waiting in them
+/// for other processes is bounded together. A call outside is a sequence of its own. Sequences don't nest.
 class PreferencesSequence {
 public:
     explicit PreferencesSequence(Preferences& preferences) : preferences_(preferences) { preferences_.beginSequence(); }
