@@ -287,6 +287,12 @@ std::set<std::string> keysOf(const std::vector<Entries> &all) {
     return keys;
 }
 
+/// A click as a user makes it: the check box goes to the other state than it shows.
+void toggleEnabler(const PaneWithoutView &pane) {
+    const bool isOn = pane.number("fcpRTEnable") != NSOffState;
+    pane.click("fcpRTEnable", "fcpRTEnableCheckBox:", isOn ? NSOffState : NSOnState);
+}
+
 /// What docs/troubleshooting.md says to do when the check box doesn't tell what is in Final Cut Pro's folder.
 void mendEnablers() {
     if (stateOfEnablers() == "broken") fs::rename(backup, active);
@@ -423,8 +429,9 @@ class Judge {
         inProcess([] {
             const PaneWithoutView pane;
             pane.open();
-            if (pane.number("fcpRTEnable") != NSOffState) pane.click("fcpRTEnable", "fcpRTEnableCheckBox:", NSOffState);
-            if (stateOfEnablers() == "off") pane.click("fcpRTEnable", "fcpRTEnableCheckBox:", NSOnState);
+            const bool isOn = pane.number("fcpRTEnable") != NSOffState;
+            if (isOn) toggleEnabler(pane);
+            toggleEnabler(pane);
         });
         require(stateOfEnablers() == "on", "the swap doesn't work any more");
         require(namesIn(enablers).size() == 2, "left something in Final Cut Pro's folder");
