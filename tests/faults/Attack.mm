@@ -517,6 +517,7 @@ int run(int every) {
     }
     std::printf("\nFinal Cut Pro's folder after a kill:\n");
     for (const auto &[state, count] : enablerStates) std::printf("    %s (%d)\n", state.c_str(), count);
+    std::fflush(stdout);
     for (const auto &violation : violations) std::fprintf(stderr, "%s\n", violation.c_str());
     return violations.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
