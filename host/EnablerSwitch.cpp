@@ -1,6 +1,7 @@
 #include "host/EnablerSwitch.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/Controls.h"
 #include "settings/KeyTable.h"
@@ -31,10 +32,6 @@ std::string withoutPoints(std::string version) {
     return version;
 }
 
-Alert unsupportedVersion(const std::string& found) {
-    return {"Could not find supported version of FCP", found};
-}
-
 }  // namespace
 
 std::string enablerPaths::versionEnabler(std::string_view versionTag) {
@@ -42,32 +39,50 @@ std::string enablerPaths::versionEnabler(std::string_view versionTag) {
 }
 
 std::optional<long> EnablerSwitch::turn(long state) {
-    const auto versionEnabler = findVersionEnabler();
-    if (!versionEnabler) return offState;
+    const auto found = findVersionEnabler();
+    if (found.alert) {
+        alerts_.runModal(*found.alert);
+        return offState;
+    }
     const bool on = state != offState;
-    if (!(on ? switchOn(*versionEnabler) : switchOff())) return on ? offState : onState;
+    if (!(on ? switchOn(found.path) : switchOff())) return on ? offState : onState;
     store_.change(key("fcpRTEnableSwap"), truthOf(state));
     return std::nullopt;
 }
 
-/// The enabler for the installed Final Cut Pro, or nothing after an alert that says what is missing.
-std::optional<std::string> EnablerSwitch::findVersionEnabler() {
+EnablerState EnablerSwitch::state() {
+    const auto found = findVersionEnabler();
+    if (found.alert) return found.missing;
+    const bool isActive = files_.fileExistsAtPath(active);
+    const bool isSaved = files_.fileExistsAtPath(backup);
+    if (!isActive) return isSaved ? EnablerState::broken : EnablerState::unknown;
+    // Ours without its own beside it, or a second one of its own, which an update may have brought, is neither.
+    if (files_.contentsEqualAtPath(active, found.path) != isSaved) return EnablerState::unknown;
+    return isSaved ? EnablerState::on : EnablerState::off;
+}
+
+bool EnablerSwitch::isTurned(bool on) {
+    const auto now = state();
+    return on ? now == EnablerState::on : now == EnablerState::off || now == EnablerState::noFinalCutPro;
+}
+
+FileFailure EnablerSwitch::mend() {
+    return state() == EnablerState::broken ? files_.moveItemAtPath(backup, active) : std::nullopt;
+}
+
+EnablerSwitch::VersionEnabler EnablerSwitch::findVersionEnabler() {
     const auto record = propertyLists_.dictionaryWithContentsOfFile(std::string(enablerPaths::versionRecord));
     if (!record) {
-        alerts_.runModal({"Could not find any FCP installation", std::nullopt});
-        return std::nullopt;
+        return {{}, EnablerState::noFinalCutPro, Alert{"Could not find any FCP installation", std::nullopt}};
     }
-    const auto version = record->find("CFBundleVersion");
-    if (version == record->end()) {
-        alerts_.runModal(unsupportedVersion("No version number in application"));
-        return std::nullopt;
+    const auto entry = record->find("CFBundleVersion");
+    const auto* version = entry == record->end() ? nullptr : std::get_if<std::string>(&entry->second);
+    if (version && utf16Length(*version) == versionLength) {
+        auto enabler = enablerPaths::versionEnabler(withoutPoints(*version));
+        if (files_.fileExistsAtPath(enabler)) return {std::move(enabler), {}, std::nullopt};
     }
-    if (utf16Length(version->second) == versionLength) {
-        auto enabler = enablerPaths::versionEnabler(withoutPoints(version->second));
-        if (files_.fileExistsAtPath(enabler)) return enabler;
-    }
-    alerts_.runModal(unsupportedVersion("Found version " + version->second));
-    return std::nullopt;
+    const std::string details = version ? "Found version " + *version : "No version number in application";
+    return {{}, EnablerState::unsupported, Alert{"Could not find supported version of FCP", details}};
 }
 
 bool EnablerSwitch::switchOn(const std::string& versionEnabler) {

@@ -36,6 +36,16 @@ std::string versionEnabler(std::string_view versionTag);
 
 }  // namespace enablerPaths
 
+/// How it stands with Final Cut Pro's enabler.
+enum class EnablerState {
+    noFinalCutPro,  ///< no Final Cut Pro is installed
+    unsupported,    ///< it has no version, or one that there is no enabler for
+    off,            ///< Final Cut Pro's own is active
+    on,             ///< ours is active, its own is saved
+    broken,         ///< its own is saved, and none is active
+    unknown         ///< anything else
+};
+
 /// Swaps Final Cut Pro's real-time enabler for the one that came with the codec, and back.
 ///
 ///     switched on:   active -> backup,  copy of version enabler -> active
@@ -54,8 +64,25 @@ public:
     /// wanted. A file operation that fails is logged, and it is the opposite.
     std::optional<long> turn(long state);
 
+    /// What the files are. Changes nothing.
+    EnablerState state();
+
+    /// Whether the files are as a check box in that state wants them, so that it need not be carried out: off without
+    /// any Final Cut Pro as well.
+    bool isTurned(bool on);
+
+    /// Makes a broken folder one that is off, and does nothing to any other. The key stays as it is. Returns why that
+    /// failed; nothing when it succeeded or there was nothing to do.
+    FileFailure mend();
+
 private:
-    std::optional<std::string> findVersionEnabler();
+    /// The enabler for the installed Final Cut Pro, or what is missing, as it stands and in words.
+    struct VersionEnabler {
+        std::string path;
+        EnablerState missing = EnablerState::unknown;
+        std::optional<Alert> alert;
+    };
+    VersionEnabler findVersionEnabler();
     bool switchOn(const std::string& versionEnabler);
     bool switchOff();
 

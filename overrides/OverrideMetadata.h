@@ -18,15 +18,17 @@ enum class OverrideWay {
 struct OverrideKey {
     std::string_view name;
     OverrideWay way;
+    /// The instance variable that holds the control.
+    std::string_view outlet;
 };
 
 namespace overrideKeys {
 
 /// State of the decoder's 4:2:2 to 4:4:4 chroma filter: 0 off, 1 on.
-inline constexpr OverrideKey chromaFilter{"CLSF", OverrideWay::throughDictionary};
+inline constexpr OverrideKey chromaFilter{"CLSF", OverrideWay::throughDictionary, "filter422To444"};
 
 /// The decoder's thread limit; 0 for none.
-inline constexpr OverrideKey decodeThreads{"CPUM", OverrideWay::throughInstance};
+inline constexpr OverrideKey decodeThreads{"CPUM", OverrideWay::throughInstance, "decodeThreads"};
 
 }  // namespace overrideKeys
 

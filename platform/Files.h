@@ -16,6 +16,9 @@ public:
     /// Whether something exists at `path`.
     virtual bool fileExistsAtPath(const std::string& path) = 0;
 
+    /// Whether both paths name files, or links to files, of the same content.
+    virtual bool contentsEqualAtPath(const std::string& one, const std::string& other) = 0;
+
     /// Renames. Fails, with nothing changed, when the source is missing or anything stands at the destination:
     /// it never overwrites.
     virtual FileFailure moveItemAtPath(const std::string& from, const std::string& to) = 0;

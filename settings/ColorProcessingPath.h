@@ -52,4 +52,14 @@ constexpr long withDemosaic(std::optional<long> stored, DemosaicField field, std
     return static_cast<long>(kept | ((method << field.shift) & field.mask()));
 }
 
+/// Whether `path` has a stage's bit.
+constexpr bool hasStage(long path, Stage stage) {
+    return (path & maskOfBit(stage.bit)) != 0;
+}
+
+/// The demosaic method in a field of `path`.
+constexpr long methodIn(long path, DemosaicField field) {
+    return static_cast<long>((static_cast<std::uint32_t>(path) & field.mask()) >> field.shift);
+}
+
 }  // namespace vantrel::colorProcessingPath

@@ -46,4 +46,14 @@ Reading readingOf(const SettingsKey& key, const PreferenceValue& stored, const S
     return reading;
 }
 
+bool agrees(const SettingsKey& key, const NewPreferenceValue& value, long path) {
+    const auto* flag = std::get_if<bool>(&value);
+    const auto* index = std::get_if<long>(&value);
+    const auto* stage = std::get_if<colorProcessingPath::Stage>(&key.path);
+    const auto* field = std::get_if<colorProcessingPath::DemosaicField>(&key.path);
+    if (stage && flag) return colorProcessingPath::hasStage(path, *stage) == *flag;
+    if (field && index) return colorProcessingPath::methodIn(path, *field) == *index;
+    return true;
+}
+
 }  // namespace vantrel

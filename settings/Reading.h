@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,11 +12,16 @@ namespace vantrel {
 
 /// What a key's reading depends on beside its row and its value.
 struct Surroundings {
-    /// How many rows the radio matrix has, or how many cores the machine: 1 to 32.
+    /// How many rows the radio matrix has, or how many threads are offered.
     std::int32_t choices = 0;
     /// The default of a text.
     std::string defaultText = {};
 };
+
+/// How many threads the thread menus offer on a machine with that many cores: 1 to 32, whatever it tells.
+constexpr std::int32_t threadsOffered(std::int32_t physicalCPUs) {
+    return std::clamp(physicalCPUs, 1, 32);
+}
 
 /// What a stored value comes to.
 struct Reading {
@@ -36,5 +42,9 @@ struct Reading {
 
 /// Reads a value as its key's row says. Writes nothing.
 Reading readingOf(const SettingsKey& key, const PreferenceValue& stored, const Surroundings& surroundings = {});
+
+/// Whether `path`, a value of `ColorProcessingPath`, has in the key's part what the choice of `value` puts there. A key
+/// without a part agrees with every path.
+bool agrees(const SettingsKey& key, const NewPreferenceValue& value, long path);
 
 }  // namespace vantrel

@@ -34,24 +34,27 @@ Reading SettingsStore::repair(const SettingsKey& key, const Surroundings& surrou
     return readingOf(key, preferences_.updateAppValue(key.name, repaired, codecApplicationID), surroundings);
 }
 
-void SettingsStore::change(const SettingsKey& key, const NewPreferenceValue& chosen) {
+bool SettingsStore::change(const SettingsKey& key, const NewPreferenceValue& chosen) {
+    write(key, chosen);
+    return synchronize();
+}
+
+void SettingsStore::write(const SettingsKey& key, const NewPreferenceValue& chosen) {
     const auto* flag = std::get_if<bool>(&chosen);
     const auto* index = std::get_if<long>(&chosen);
     if (const auto* stage = std::get_if<colorProcessingPath::Stage>(&key.path); stage && flag) {
-        setFlagAndBit(key.name, *flag, stage->bit);
+        set(key.name, *flag);
+        updatePathBit(stage->bit, *flag);
     } else if (const auto* field = std::get_if<colorProcessingPath::DemosaicField>(&key.path); field && index) {
         const auto method = itemIndex(*index, methodBits);
         set(key.name, long{method});
         updatePath([field = *field, method](std::optional<long> stored) {
             return colorProcessingPath::withDemosaic(stored, field, static_cast<std::uint32_t>(method));
         });
-        synchronize();
     } else if (index) {
-        setInteger(key.name,
-                   key.kind == Kind::limit ? itemIndex(*index, limitBits) : static_cast<std::int32_t>(*index));
+        set(key.name, long{key.kind == Kind::limit ? itemIndex(*index, limitBits) : static_cast<std::int32_t>(*index)});
     } else {
         set(key.name, chosen);
-        synchronize();
     }
 }
 
@@ -67,20 +70,17 @@ void SettingsStore::setInteger(std::string_view key, std::int32_t number) {
 
 void SettingsStore::setFlagAndBit(std::string_view key, bool flag, std::int32_t bit) {
     set(key, flag);
-    if (flag) {
-        setPathBit(bit);
-    } else {
-        clearPathBit(bit);
-    }
+    updatePathBit(bit, flag);
+    synchronize();
 }
 
 void SettingsStore::setPathBit(std::int32_t bit) {
-    updatePath([bit](std::optional<long> stored) { return colorProcessingPath::withBitSet(stored, bit); });
+    updatePathBit(bit, true);
     synchronize();
 }
 
 void SettingsStore::clearPathBit(std::int32_t bit) {
-    updatePath([bit](std::optional<long> stored) { return colorProcessingPath::withBitCleared(stored, bit); });
+    updatePathBit(bit, false);
     synchronize();
 }
 
@@ -92,8 +92,14 @@ void SettingsStore::addToPath(const AddedBits& added) {
     });
 }
 
-void SettingsStore::synchronize() {
-    preferences_.synchronize(codecApplicationID);
+bool SettingsStore::synchronize() {
+    return preferences_.synchronize(codecApplicationID);
+}
+
+void SettingsStore::updatePathBit(std::int32_t bit, bool isSet) {
+    updatePath([bit, isSet](std::optional<long> stored) {
+        return isSet ? colorProcessingPath::withBitSet(stored, bit) : colorProcessingPath::withBitCleared(stored, bit);
+    });
 }
 
 void SettingsStore::updatePath(const NewPath& newPath) {

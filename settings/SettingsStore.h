@@ -30,11 +30,14 @@ public:
     /// `added`, if any, is told the bit of a stage that is switched on thereby.
     Reading repair(const SettingsKey& key, const Surroundings& surroundings = {}, const AddedBits& added = nullptr);
 
-    /// Stores what the user chose, with the key's part of `ColorProcessingPath`, and synchronises once. An index that
+    /// Writes what the user chose, with the key's part of `ColorProcessingPath`, and synchronises once. An index that
     /// is no selection (negative) counts as 0 in a menu and is stored as it is in a radio matrix. A menu's index is
     /// held to the bits that it has: five for a limit, four for a demosaic method. A value of another type than the
-    /// key's is stored as it is, alone.
-    void change(const SettingsKey& key, const NewPreferenceValue& chosen);
+    /// key's is stored as it is, alone. Returns as `synchronize` does.
+    bool change(const SettingsKey& key, const NewPreferenceValue& chosen);
+
+    /// The same without the synchronise, for several changes that are to become lasting together.
+    void write(const SettingsKey& key, const NewPreferenceValue& chosen);
 
     /// Writes a flag and synchronises.
     void setFlag(std::string_view key, bool flag);
@@ -55,13 +58,14 @@ public:
     /// Adds bits to `ColorProcessingPath`, from 0 when it was missing, without synchronising.
     void addToPath(const AddedBits& added);
 
-    /// Makes all writes so far lasting and visible to other processes.
-    void synchronize();
+    /// Makes all writes so far lasting and visible to other processes. Returns false when that failed.
+    bool synchronize();
 
 private:
     /// What becomes of `ColorProcessingPath`, of which there is nothing where it is missing, mistyped or unreadable.
     using NewPath = std::function<std::optional<long>(std::optional<long> stored)>;
 
+    void updatePathBit(std::int32_t bit, bool isSet);
     void updatePath(const NewPath& newPath);
     void set(std::string_view key, const NewPreferenceValue& value);
 

@@ -1,18 +1,11 @@
 # The bundle that the settings host loads, Vantrel.prefPane, in the build folder.
-if(APPLE)
-    set(system Apple)
-    set(system_libraries vantrel_apple)
-else()
-    set(system GNUstep)
-    set(system_libraries vantrel_gnustep vantrel_linux)
-endif()
-
 # The bundle but for the system's services, which make it a whole.
 add_library(pane_surface OBJECT PaneView.mm PrincipalClass.mm)
-target_link_libraries(pane_surface PUBLIC vantrel_pane vantrel_cocoa_overrides vantrel_cocoa preferencepanes)
+target_link_libraries(pane_surface PUBLIC vantrel_pane vantrel_cocoa_overrides vantrel_appkit preferencepanes)
 
-add_library(pane MODULE SystemServices${system}.mm)
-target_link_libraries(pane PRIVATE pane_surface ${system_libraries})
+add_library(pane MODULE)
+target_link_libraries(pane PRIVATE pane_surface vantrel_system)
+set_target_properties(pane PROPERTIES LINKER_LANGUAGE OBJCXX)
 set_target_properties(pane PROPERTIES OUTPUT_NAME Vantrel PREFIX "" SUFFIX "")
 
 if(APPLE)

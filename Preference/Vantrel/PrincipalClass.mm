@@ -1,6 +1,7 @@
 #import "Preference/Vantrel/PrincipalClass.h"
 
 #include "Preference/Vantrel/VantrelPref.h"
+#import "platform/cocoa/CocoaAlerts.h"
 #import "platform/cocoa/CocoaOutlets.h"
 #import "platform/cocoa/CocoaSystem.h"
 #import "platform/cocoa/CocoaText.h"
@@ -14,12 +15,20 @@ using vantrel::cocoa::CocoaPopUpButton;
 using vantrel::cocoa::CocoaRadioMatrix;
 using vantrel::cocoa::toUTF8;
 
+/// What serves every pane of the process.
+static const vantrel::Services &services() {
+    static vantrel::cocoa::CocoaAlerts alerts;
+    static vantrel::cocoa::CocoaLog log;
+    static const vantrel::Services services = vantrel::systemServices(alerts, log);
+    return services;
+}
+
 /// The pane's logic with its way to the outlets. It is never torn down, as the pane isn't.
 struct ConnectedPane {
     explicit ConnectedPane(id owner) : outlets(owner) {}
 
     vantrel::cocoa::CocoaOutlets outlets;
-    vantrel::VantrelPref pane{outlets, vantrel::systemServices()};
+    vantrel::VantrelPref pane{outlets, services()};
 };
 
 @implementation VantrelPref

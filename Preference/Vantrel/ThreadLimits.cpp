@@ -1,28 +1,20 @@
-#include <algorithm>
 #include <string>
 
 #include "Preference/Vantrel/VantrelPref.h"
 
 namespace vantrel {
 
-namespace {
-
-/// The pop-ups offer 1 to 32 threads, whatever the machine has.
-constexpr std::int32_t mostThreads = 32;
-
-}  // namespace
-
 void VantrelPref::showChromaFilter(LoadedOverrides* loaded) {
     if (!loaded) return;
     if (const auto state = loaded->number(overrideKeys::chromaFilter)) {
-        outlets_.checkBox("filter422To444").setState(*state);
+        outlets_.checkBox(overrideKeys::chromaFilter.outlet).setState(*state);
     }
 }
 
 void VantrelPref::fillThreadMenus() {
-    cores_ = std::clamp(services_.processors.physicalCPUCount(), 1, mostThreads);
+    cores_ = threadsOffered(services_.processors.physicalCPUCount());
     auto& encode = outlets_.popUpButton(key("MaxEncodeThreads").outlet);
-    auto& decode = outlets_.popUpButton("decodeThreads");
+    auto& decode = outlets_.popUpButton(overrideKeys::decodeThreads.outlet);
     encode.removeAllItems();
     decode.removeAllItems();
     decode.addItemWithTitle("All");
@@ -34,7 +26,7 @@ void VantrelPref::fillThreadMenus() {
 }
 
 void VantrelPref::showDecodeThreads(LoadedOverrides* loaded) {
-    auto& decode = outlets_.popUpButton("decodeThreads");
+    auto& decode = outlets_.popUpButton(overrideKeys::decodeThreads.outlet);
     decode.selectItemAtIndex(0);
     if (!loaded) return;
     if (const auto index = loaded->number(overrideKeys::decodeThreads)) decode.selectItemAtIndex(*index);

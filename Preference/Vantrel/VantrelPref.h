@@ -3,12 +3,12 @@
 #include <span>
 
 #include "Preference/Vantrel/FolderPath.h"
-#include "Preference/Vantrel/SystemServices.h"
 #include "host/EnablerSwitch.h"
 #include "platform/Bundle.h"
 #include "platform/Controls.h"
 #include "settings/KeyTable.h"
 #include "settings/SettingsStore.h"
+#include "system/SystemServices.h"
 
 namespace vantrel {
 

@@ -12,6 +12,7 @@ class AppleFiles : public Files {
 public:
     /// Follows links: a link that leads nowhere doesn't exist.
     bool fileExistsAtPath(const std::string& path) override;
+    bool contentsEqualAtPath(const std::string& one, const std::string& other) override;
 
     /// Moves files, folders and links (never what they lead to). A link that leads nowhere counts as something there.
     FileFailure moveItemAtPath(const std::string& from, const std::string& to) override;
@@ -30,7 +31,9 @@ public:
 /// Property lists as Foundation reads them.
 class ApplePropertyLists : public PropertyLists {
 public:
-    std::optional<StringEntries> dictionaryWithContentsOfFile(const std::string& path) override;
+    std::optional<PropertyListEntries> dictionaryWithContentsOfFile(const std::string& path) override;
+    std::optional<PropertyListEntries> dictionaryWithData(std::string_view bytes) override;
+    std::string xmlText(std::string_view text) override;
 };
 
 }  // namespace vantrel::apple

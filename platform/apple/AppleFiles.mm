@@ -19,6 +19,30 @@ NSFileManager *manager() {
     return [NSFileManager defaultManager];
 }
 
+/// A whole number that fits is one, however it is stored.
+Number numberFrom(NSNumber *number) {
+    const long value = [number longValue];
+    if (![number isEqual:[NSNumber numberWithLong:value]]) return {};
+    return {value};
+}
+
+PreferenceValue valueFrom(id object) {
+    if ([object isKindOfClass:[NSString class]]) return toUTF8(object);
+    if (![object isKindOfClass:[NSNumber class]]) return OtherType{};
+    // In a property list, numbers are wider than Booleans.
+    if (*[object objCType] == *@encode(BOOL)) return [object boolValue] != NO;
+    return numberFrom(object);
+}
+
+/// The entries of what may be a dictionary.
+std::optional<PropertyListEntries> entriesOf(id list) {
+    if (![list isKindOfClass:[NSDictionary class]]) return std::nullopt;
+    PropertyListEntries entries;
+    NSEnumerator *keys = [list keyEnumerator];
+    while (NSString *key = [keys nextObject]) entries.emplace(toUTF8(key), valueFrom([list objectForKey:key]));
+    return entries;
+}
+
 FileFailure failure(BOOL succeeded, NSError *error) {
     if (succeeded) return std::nullopt;
     return toUTF8([error localizedDescription]);
@@ -53,16 +77,35 @@ FileFailure fill(NSString *original, NSDictionary *itsAttributes, NSString *copy
 
 }  // namespace
 
-std::optional<StringEntries> ApplePropertyLists::dictionaryWithContentsOfFile(const std::string &path) {
-    NSDictionary *dictionary = [NSDictionary dictionaryWithContentsOfFile:toNSString(path)];
-    if (!dictionary) return std::nullopt;
-    StringEntries entries;
-    NSEnumerator *keys = [dictionary keyEnumerator];
-    while (NSString *key = [keys nextObject]) {
-        id value = [dictionary objectForKey:key];
-        if ([value isKindOfClass:[NSString class]]) entries.emplace(toUTF8(key), toUTF8(value));
+std::optional<PropertyListEntries> ApplePropertyLists::dictionaryWithContentsOfFile(const std::string &path) {
+    return entriesOf([NSDictionary dictionaryWithContentsOfFile:toNSString(path)]);
+}
+
+std::optional<PropertyListEntries> ApplePropertyLists::dictionaryWithData(std::string_view bytes) {
+    NSData *data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
+    return entriesOf([NSPropertyListSerialization propertyListWithData:data
+                                                               options:NSPropertyListImmutable
+                                                                format:nullptr
+                                                                 error:nullptr]);
+}
+
+/// Foundation's reader takes all other characters as they are.
+std::string ApplePropertyLists::xmlText(std::string_view text) {
+    std::string xml;
+    for (const char character : text) {
+        if (character == '&') {
+            xml += "&amp;";
+        } else if (character == '<') {
+            xml += "&lt;";
+        } else if (character == '>') {
+            xml += "&gt;";
+        } else if (character == '\r') {
+            xml += "&#13;";
+        } else {
+            xml += character;
+        }
     }
-    return entries;
+    return xml;
 }
 
 bool AppleFiles::fileExistsAtPath(const std::string &path) {
@@ -72,6 +115,11 @@ bool AppleFiles::fileExistsAtPath(const std::string &path) {
     const bool canBeAPath =
         path.find('\0') == std::string::npos && [item canBeConvertedToEncoding:NSUTF8StringEncoding];
     return canBeAPath && [manager() fileExistsAtPath:item];
+}
+
+bool AppleFiles::contentsEqualAtPath(const std::string &one, const std::string &other) {
+    NSData *content = [NSData dataWithContentsOfFile:toNSString(one)];
+    return content && [content isEqualToData:[NSData dataWithContentsOfFile:toNSString(other)]];
 }
 
 FileFailure AppleFiles::moveItemAtPath(const std::string &from, const std::string &to) {

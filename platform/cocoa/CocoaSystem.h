@@ -2,18 +2,12 @@
 
 #import <Foundation/Foundation.h>
 
-#include "platform/Alerts.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
 #include "platform/Notifications.h"
 #import "platform/cocoa/CocoaText.h"
 
 namespace vantrel::cocoa {
-
-class CocoaAlerts : public Alerts {
-   public:
-    void runModal(const Alert &alert) override;
-};
 
 class CocoaLog : public Log {
    public:
@@ -22,7 +16,13 @@ class CocoaLog : public Log {
 
 class CocoaNotifications : public Notifications {
    public:
+    /// What can't be posted is told to `log`.
+    explicit CocoaNotifications(Log &log) : log_(log) {}
+
     void postNotificationName(std::string_view name, std::string_view object, bool deliverImmediately) override;
+
+   private:
+    Log &log_;
 };
 
 class CocoaBundle : public Bundle {

@@ -1,23 +1,6 @@
 #import "platform/cocoa/CocoaSystem.h"
 
-#import <AppKit/AppKit.h>
-
 namespace vantrel::cocoa {
-
-void CocoaAlerts::runModal(const Alert &alert) {
-    NSAlert *panel = [NSAlert new];
-    [panel setMessageText:toNSString(alert.messageText)];
-    if (alert.informativeText) {
-        [panel setInformativeText:toNSString(*alert.informativeText)];
-    } else {
-#ifdef GNUSTEP
-        // Left without, GNUstep's alert says "No information".
-        [panel setInformativeText:@""];
-#endif
-    }
-    [panel runModal];
-    [panel release];
-}
 
 void CocoaNotifications::postNotificationName(std::string_view name, std::string_view object, bool deliverImmediately) {
     try {
@@ -27,7 +10,7 @@ void CocoaNotifications::postNotificationName(std::string_view name, std::string
                                                            deliverImmediately:deliverImmediately];
     } catch (...) {
         // GNUstep raises where it can't have the daemon that carries notifications; g++ can't catch that by its class.
-        NSLog(@"%@ could not be posted", toNSString(name));
+        log_.log(std::string(name) + " could not be posted");
     }
 }
 

@@ -10,7 +10,9 @@ class GNUstepPropertyLists : public PropertyLists {
 public:
     explicit GNUstepPropertyLists(posix::SystemCalls& calls = posix::SystemCalls::real()) : calls_(calls) {}
 
-    std::optional<StringEntries> dictionaryWithContentsOfFile(const std::string& path) override;
+    std::optional<PropertyListEntries> dictionaryWithContentsOfFile(const std::string& path) override;
+    std::optional<PropertyListEntries> dictionaryWithData(std::string_view bytes) override;
+    std::string xmlText(std::string_view text) override;
 
 private:
     posix::SystemCalls& calls_;

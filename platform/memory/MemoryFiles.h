@@ -10,7 +10,7 @@
 
 namespace vantrel::memory {
 
-/// Whole files in memory. Records "exists PATH", "move FROM -> TO", "copy FROM -> TO" and
+/// Whole files in memory. Records "exists PATH", "compare PATH with PATH", "move FROM -> TO", "copy FROM -> TO" and
 /// "remove PATH", whether they succeed or not.
 class MemoryFiles : public Files {
 public:
@@ -19,6 +19,11 @@ public:
     bool fileExistsAtPath(const std::string& path) override {
         journal_.record("exists " + path);
         return contents.contains(path);
+    }
+
+    bool contentsEqualAtPath(const std::string& one, const std::string& other) override {
+        journal_.record("compare " + one + " with " + other);
+        return contents.contains(one) && contents.contains(other) && contents[one] == contents[other];
     }
 
     FileFailure moveItemAtPath(const std::string& from, const std::string& to) override {
@@ -62,14 +67,21 @@ class MemoryPropertyLists : public PropertyLists {
 public:
     explicit MemoryPropertyLists(Journal& journal) : journal_(journal) {}
 
-    std::optional<StringEntries> dictionaryWithContentsOfFile(const std::string& path) override {
+    std::optional<PropertyListEntries> dictionaryWithContentsOfFile(const std::string& path) override {
         journal_.record("dictionary " + path);
         const auto found = dictionaries.find(path);
         return found == dictionaries.end() ? std::nullopt : std::optional(found->second);
     }
 
+    std::optional<PropertyListEntries> dictionaryWithData(std::string_view bytes) override {
+        journal_.record("dictionary of " + std::to_string(bytes.size()) + " bytes");
+        return std::nullopt;
+    }
+
+    std::string xmlText(std::string_view text) override { return std::string(text); }
+
     /// By path.
-    std::map<std::string, StringEntries> dictionaries;
+    std::map<std::string, PropertyListEntries> dictionaries;
 
 private:
     Journal& journal_;

@@ -13,6 +13,8 @@ namespace vantrel::posix {
 
 namespace {
 
+constexpr std::size_t mostCompared = std::size_t{16} * 1024 * 1024;
+
 constexpr mode_t permissionBits = S_IRWXU | S_IRWXG | S_IRWXO;
 
 std::string sentence(const std::string& subject, const std::string& predicate, const std::string& destination,
@@ -58,6 +60,11 @@ bool PosixFiles::fileExistsAtPath(const std::string& path) {
     if (path.find('\0') != std::string::npos) return false;
     struct stat status {};
     return calls_.stat(path.c_str(), &status) == 0;
+}
+
+bool PosixFiles::contentsEqualAtPath(const std::string& one, const std::string& other) {
+    const auto contents = contentsOfFile(calls_, one, mostCompared);
+    return contents && contents == contentsOfFile(calls_, other, mostCompared);
 }
 
 FileFailure PosixFiles::moveItemAtPath(const std::string& from, const std::string& to) {

@@ -21,6 +21,9 @@ public:
     /// Follows links, as on macOS: a link that leads nowhere doesn't exist, nor does what may not be looked at.
     bool fileExistsAtPath(const std::string& path) override;
 
+    /// Files of up to 16 MiB; a longer one equals none.
+    bool contentsEqualAtPath(const std::string& one, const std::string& other) override;
+
     /// One call decides and renames, so that nothing comes between; a link that leads nowhere counts as something
     /// there. Moves files, folders and links (never what they lead to), within one file system only, and only on one
     /// that can rename without overwriting. Lasting: one that can't be written through to the disk is taken back.

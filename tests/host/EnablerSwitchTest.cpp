@@ -114,7 +114,7 @@ TEST_F(EnablerSwitchTest, LooksAtTheFixedPathsAlone) {
 }
 
 struct Refusal : Rule {
-    std::optional<StringEntries> versionRecord;
+    std::optional<PropertyListEntries> versionRecord;
     /// What happens before the check box goes off.
     Lines events;
 };
@@ -145,7 +145,7 @@ TEST_P(EnablerRefusal, GoesOffTouchesNoFileAndWritesNoKey) {
 
 Refusal refusedVersion(const std::string& rule, const std::string& version) {
     return {{rule},
-            StringEntries{{"CFBundleVersion", version}},
+            PropertyListEntries{{"CFBundleVersion", version}},
             {"dictionary RECORD", "alert Could not find supported version of FCP (Found version " + version + ")"}};
 }
 
@@ -153,7 +153,7 @@ Refusal refusedVersion(const std::string& rule, const std::string& version) {
 Refusal missingEnabler(const std::string& rule, const std::string& version, const std::string& tag) {
     return {
         {rule},
-        StringEntries{{"CFBundleVersion", version}},
+        PropertyListEntries{{"CFBundleVersion", version}},
         {"dictionary RECORD", "exists /Library/Application Support/Vantrel/PLugins/RT Software Enabler" + tag + ".txt",
          "alert Could not find supported version of FCP (Found version " + version + ")"}};
 }
@@ -164,11 +164,11 @@ INSTANTIATE_TEST_SUITE_P(
                             std::nullopt,
                             {"dictionary RECORD", "alert Could not find any FCP installation"}},
                     Refusal{{"WithAnEmptyVersionRecord"},
-                            StringEntries{},
+                            PropertyListEntries{},
                             {"dictionary RECORD",
                              "alert Could not find supported version of FCP (No version number in application)"}},
                     Refusal{{"WithAVersionUnderAnotherKeyOnly"},
-                            StringEntries{{"CFBundleShortVersionString", "7.0.3"}},
+                            PropertyListEntries{{"CFBundleShortVersionString", "7.0.3"}},
                             {"dictionary RECORD",
                              "alert Could not find supported version of FCP (No version number in application)"}},
                     refusedVersion("WithAnEmptyVersion", ""),                               //
@@ -459,6 +459,76 @@ TEST_F(EnablerSwitchTest, NeverEnablesOrDisablesItsBox) {
     click(onState);
     click(offState);
     EXPECT_FALSE(box.enabled);
+}
+
+// How the folder stands
+
+struct Standing : Rule {
+    std::string activeContent;
+    std::string backupContent;
+    EnablerState state;
+};
+
+struct EnablerStanding : EnablerSwitchTest, testing::WithParamInterface<Standing> {
+    EnablerStanding() {
+        files.contents.erase(active);
+        if (!GetParam().activeContent.empty()) files.contents[active] = GetParam().activeContent;
+        if (!GetParam().backupContent.empty()) files.contents[backup] = GetParam().backupContent;
+    }
+};
+
+TEST_P(EnablerStanding, IsToldWithoutAWordOrAChange) {
+    const auto before = files.contents;
+    EXPECT_EQ(enabler.state(), GetParam().state);
+    EXPECT_EQ(files.contents, before);
+    EXPECT_THAT(journal.linesStarting("alert"), IsEmpty());
+    EXPECT_THAT(journal.linesStarting("log"), IsEmpty());
+}
+
+TEST_P(EnablerStanding, IsMendedWhereItIsBrokenAlone) {
+    auto expected = files.contents;
+    if (GetParam().state == EnablerState::broken) expected = {{ours703, "ours"}, {active, "Apple's"}};
+    EXPECT_EQ(enabler.mend(), std::nullopt);
+    EXPECT_EQ(files.contents, expected);
+    EXPECT_EQ(key(), "absent");
+}
+
+TEST_P(EnablerStanding, IsAsABoxOfThatStateWantsIt) {
+    EXPECT_EQ(enabler.isTurned(true), GetParam().state == EnablerState::on);
+    EXPECT_EQ(enabler.isTurned(false), GetParam().state == EnablerState::off);
+}
+
+INSTANTIATE_TEST_SUITE_P(EnablerSwitch, EnablerStanding,
+                         testing::Values(Standing{{"Off"}, "Apple's", "", EnablerState::off},
+                                         Standing{{"On"}, "ours", "Apple's", EnablerState::on},
+                                         Standing{{"Broken"}, "", "Apple's", EnablerState::broken},
+                                         Standing{{"Empty"}, "", "", EnablerState::unknown},
+                                         Standing{{"OursAlone"}, "ours", "", EnablerState::unknown},
+                                         Standing{{"TwoOfItsOwn"}, "Apple's", "Apple's", EnablerState::unknown}),
+                         ByRule());
+
+TEST_F(EnablerSwitchTest, WithoutFinalCutProNothingIsThereAndOffIsAsWanted) {
+    propertyLists.dictionaries.erase(record);
+    EXPECT_EQ(enabler.state(), EnablerState::noFinalCutPro);
+    EXPECT_TRUE(enabler.isTurned(false));
+    EXPECT_FALSE(enabler.isTurned(true));
+}
+
+TEST_F(EnablerSwitchTest, WithoutAnEnablerForTheVersionNothingIsAsWanted) {
+    files.contents.erase(ours703);
+    enter(Folder::broken);
+    EXPECT_EQ(enabler.state(), EnablerState::unsupported);
+    EXPECT_FALSE(enabler.isTurned(false));
+    EXPECT_FALSE(enabler.isTurned(true));
+    EXPECT_EQ(enabler.mend(), std::nullopt);
+    EXPECT_EQ(folder(), Folder::broken);
+}
+
+TEST_F(EnablerSwitchTest, AMoveThatFailsIsToldByTheMending) {
+    enter(Folder::broken);
+    files.failing = {restore};
+    EXPECT_EQ(enabler.mend(), "told to fail");
+    EXPECT_EQ(folder(), Folder::broken);
 }
 
 }  // namespace

@@ -86,6 +86,30 @@ TEST_F(FilesExistence, APathOfAnyBytesIsLookedAt) {
     EXPECT_TRUE(files.fileExistsAtPath(folder / "d\xC3\xA9j\xC3\xA0 \xE6\xBC\xA2 \xF0\x9F\x8E\xAC"));
 }
 
+// Comparing
+
+using FilesComparison = FilesTest;
+
+TEST_F(FilesComparison, FilesOfOneContentAreEqual) {
+    folder.write("copy", "its content");
+    makeLink("copy", "link");
+    EXPECT_TRUE(files.contentsEqualAtPath(folder / "own", folder / "copy"));
+    EXPECT_TRUE(files.contentsEqualAtPath(folder / "own", folder / "link"));
+}
+
+TEST_F(FilesComparison, FilesThatDifferAtTheirEndAreNot) {
+    folder.write("longer", "its content\n");
+    folder.write("other", "its contenT");
+    EXPECT_FALSE(files.contentsEqualAtPath(folder / "own", folder / "longer"));
+    EXPECT_FALSE(files.contentsEqualAtPath(folder / "own", folder / "other"));
+}
+
+TEST_F(FilesComparison, WhatCantBeReadEqualsNothing) {
+    EXPECT_FALSE(files.contentsEqualAtPath(folder / "missing", folder / "missing"));
+    EXPECT_FALSE(files.contentsEqualAtPath(folder.path, folder.path));
+    EXPECT_FALSE(files.contentsEqualAtPath(folder / "own", folder / "missing"));
+}
+
 // Moving
 
 using FilesMove = FilesTest;

@@ -164,5 +164,34 @@ TEST(Reading, WhatIsNoTextIsReplacedByTheBundlesTextWithoutASynchronise) {
     }
 }
 
+// Agreement with ColorProcessingPath
+
+TEST(Agreement, AStageAgreesWithItsBit) {
+    EXPECT_TRUE(agrees(key("look"), true, 0x8));
+    EXPECT_TRUE(agrees(key("look"), false, 0xF7));
+    EXPECT_FALSE(agrees(key("look"), true, 0xF7));
+    EXPECT_FALSE(agrees(key("look"), false, 0x8));
+}
+
+TEST(Agreement, AMethodAgreesWithItsField) {
+    EXPECT_TRUE(agrees(key("RenderDebayer"), 3L, 0x35002F));
+    EXPECT_FALSE(agrees(key("RenderDebayer"), 5L, 0x35002F));
+    EXPECT_TRUE(agrees(key("8bitDebayer"), 5L, 0x35002F));
+    EXPECT_FALSE(agrees(key("8bitDebayer"), 16L, 0));
+}
+
+TEST(Agreement, AKeyWithoutAPartAgreesWithEveryPath) {
+    EXPECT_TRUE(agrees(key("FormatRGB8"), true, 0));
+    EXPECT_TRUE(agrees(key("MaxEncodeThreads"), 5L, 0));
+    EXPECT_TRUE(agrees(key("LUTsPath"), std::string("/a"), 0));
+}
+
+TEST(ThreadsOffered, AreOneToThirtyTwo) {
+    EXPECT_EQ(threadsOffered(0), 1);
+    EXPECT_EQ(threadsOffered(-1), 1);
+    EXPECT_EQ(threadsOffered(8), 8);
+    EXPECT_EQ(threadsOffered(33), 32);
+}
+
 }  // namespace
 }  // namespace vantrel::memory

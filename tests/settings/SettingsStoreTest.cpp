@@ -97,6 +97,21 @@ TEST_F(SettingsStoreTest, AMenusIndexIsHeldToItsBitsAndARowIsNot) {
     }
 }
 
+TEST_F(SettingsStoreTest, AWriteIsAChangeWithoutTheSynchronise) {
+    store.write(key("look"), true);
+    store.write(key("RenderDebayer"), 2L);
+    store.write(key("MaxEncodeThreads"), 5L);
+    EXPECT_EQ(stored("ColorProcessingPath"), std::to_string(0x200009));
+    EXPECT_EQ(stored("MaxEncodeThreads"), "5");
+    EXPECT_THAT(journal.linesStarting("synchronize"), ElementsAre());
+}
+
+TEST_F(SettingsStoreTest, AChangeTellsWhetherItBecameLasting) {
+    EXPECT_TRUE(store.change(key("look"), true));
+    preferences.synchronizes = false;
+    EXPECT_FALSE(store.change(key("look"), false));
+}
+
 // Updates of any key
 
 TEST_F(SettingsStoreTest, AFlagIsWrittenAndSynchronised) {

@@ -3,6 +3,10 @@
 #import <Foundation/Foundation.h>
 #include <gmock/gmock.h>
 
+#include <map>
+#include <string>
+
+#include "platform/memory/MemoryPreferences.h"
 #include "tests/platform/FilesTest.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
@@ -44,7 +48,7 @@ TEST_F(AppleFilesTest, WhatIsRefusedIsToldWithItsPath) {
 
 struct ApplePropertyListsTest : AppleFilesTest {
     /// Writes the list and reads it back.
-    std::optional<StringEntries> entriesOf(const std::string &top) {
+    std::optional<PropertyListEntries> entriesOf(const std::string &top) {
         folder.write("list", "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\">" + top + "</plist>");
         return lists.dictionaryWithContentsOfFile(folder / "list");
     }
@@ -52,14 +56,21 @@ struct ApplePropertyListsTest : AppleFilesTest {
     ApplePropertyLists lists;
 };
 
-TEST_F(ApplePropertyListsTest, ListsStringsAlone) {
-    EXPECT_THAT(entriesOf("<dict><key>array</key><array><string>in it</string></array>"
-                          "<key>flag</key><true/>"
-                          "<key>number</key><integer>703</integer>"
-                          "<key>inner</key><dict><key>text</key><string>in it</string></dict>"
-                          "<key>text</key><string>\u00e9 &amp; \u65e5\u672c</string>"
-                          "<key>empty</key><string></string></dict>"),
-                Optional(ElementsAre(Pair("empty", ""), Pair("text", "\u00e9 & \u65e5\u672c"))));
+TEST_F(ApplePropertyListsTest, ListsEachEntryWithItsType) {
+    const auto entries = entriesOf("<dict><key>array</key><array><string>in it</string></array>"
+                                   "<key>flag</key><true/>"
+                                   "<key>number</key><integer>703</integer>"
+                                   "<key>real</key><real>0.5</real>"
+                                   "<key>inner</key><dict><key>text</key><string>in it</string></dict>"
+                                   "<key>text</key><string>\u00e9 &amp; \u65e5\u672c</string>"
+                                   "<key>empty</key><string></string></dict>");
+    ASSERT_TRUE(entries);
+    std::map<std::string, std::string> described;
+    for (const auto &[key, value] : *entries) described[key] = memory::describeStored(value);
+    EXPECT_THAT(described,
+                ElementsAre(Pair("array", "other type"), Pair("empty", "\"\""), Pair("flag", "true"),
+                            Pair("inner", "other type"), Pair("number", "703"), Pair("real", "unreadable number"),
+                            Pair("text", "\"\u00e9 & \u65e5\u672c\"")));
 }
 
 TEST_F(ApplePropertyListsTest, MayBeEmpty) {

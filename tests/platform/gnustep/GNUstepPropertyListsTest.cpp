@@ -3,9 +3,11 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <map>
 #include <string>
 
 #include "platform/gnustep/GNUstepPropertyLists.h"
+#include "platform/memory/MemoryPreferences.h"
 #include "tests/platform/posix/FaultySystemCalls.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
@@ -16,6 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Optional;
 using testing::Pair;
+using testing::VariantWith;
 
 struct GNUstepPropertyListsTest : testing::Test {
     posix::TemporaryFolder folder;
@@ -46,23 +49,23 @@ const std::string binaryVersionList = std::string("bplist00") + "\xD1\x01\x02" +
 TEST_F(GNUstepPropertyListsTest, IsReadFromAnXMLList) {
     folder.write("list", xmlList(versionDictionary));
     EXPECT_THAT(lists.dictionaryWithContentsOfFile(folder / "list"),
-                Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
+                Optional(ElementsAre(Pair("CFBundleVersion", VariantWith<std::string>("7.0.3")))));
 }
 
 TEST_F(GNUstepPropertyListsTest, IsReadFromABinaryList) {
     folder.write("list", binaryVersionList);
     EXPECT_THAT(lists.dictionaryWithContentsOfFile(folder / "list"),
-                Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
+                Optional(ElementsAre(Pair("CFBundleVersion", VariantWith<std::string>("7.0.3")))));
 }
 
 TEST_F(GNUstepPropertyListsTest, IsReadThroughALink) {
     folder.write("list", binaryVersionList);
     ASSERT_EQ(symlink("list", (folder / "link").c_str()), 0);
     EXPECT_THAT(lists.dictionaryWithContentsOfFile(folder / "link"),
-                Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
+                Optional(ElementsAre(Pair("CFBundleVersion", VariantWith<std::string>("7.0.3")))));
 }
 
-TEST_F(GNUstepPropertyListsTest, ListsStringsAlone) {
+TEST_F(GNUstepPropertyListsTest, ListsEachEntryWithItsType) {
     folder.write("list", xmlList("<dict><key>array</key><array><string>in it</string></array>"
                                  "<key>flag</key><true/>"
                                  "<key>number</key><integer>703</integer>"
@@ -72,8 +75,29 @@ TEST_F(GNUstepPropertyListsTest, ListsStringsAlone) {
                                  "<key>inner</key><dict><key>text</key><string>in it</string></dict>"
                                  "<key>text</key><string>é &amp; 日本</string>"
                                  "<key>empty</key><string></string></dict>"));
-    EXPECT_THAT(lists.dictionaryWithContentsOfFile(folder / "list"),
-                Optional(ElementsAre(Pair("empty", ""), Pair("text", "é & 日本"))));
+    const auto entries = lists.dictionaryWithContentsOfFile(folder / "list");
+    ASSERT_TRUE(entries);
+    std::map<std::string, std::string> described;
+    for (const auto& [key, value] : *entries) described[key] = memory::describeStored(value);
+    EXPECT_THAT(described,
+                ElementsAre(Pair("array", "other type"), Pair("data", "other type"), Pair("date", "other type"),
+                            Pair("empty", "\"\""), Pair("flag", "true"), Pair("inner", "other type"),
+                            Pair("number", "703"), Pair("real", "unreadable number"), Pair("text", "\"é & 日本\"")));
+}
+
+TEST_F(GNUstepPropertyListsTest, AreReadFromBytesAsFromAFile) {
+    EXPECT_THAT(lists.dictionaryWithData(xmlList(versionDictionary)),
+                Optional(ElementsAre(Pair("CFBundleVersion", VariantWith<std::string>("7.0.3")))));
+    EXPECT_EQ(lists.dictionaryWithData("garbage"), std::nullopt);
+    EXPECT_EQ(lists.dictionaryWithData(xmlList(versionDictionary) + std::string(16 * 1024 * 1024, ' ')), std::nullopt);
+}
+
+TEST_F(GNUstepPropertyListsTest, ReadATextAgainAsItWas) {
+    for (const std::string text : {"", "/a b", "<&>\"", "a\rb\n", "a\001b", "C:\\U0041", "日本😀"}) {
+        const auto entries =
+            lists.dictionaryWithData(xmlList("<dict><key>k</key><string>" + lists.xmlText(text) + "</string></dict>"));
+        EXPECT_THAT(entries, Optional(ElementsAre(Pair("k", VariantWith<std::string>(text)))));
+    }
 }
 
 TEST_F(GNUstepPropertyListsTest, MayBeEmpty) {
@@ -136,7 +160,7 @@ TEST_F(GNUstepPropertyListsTest, IsReadUpToFourMebibytesAndNoFurther) {
     constexpr std::size_t largest = 4 * 1024 * 1024;
     folder.write("list", list + std::string(largest - list.size(), ' '));
     EXPECT_THAT(lists.dictionaryWithContentsOfFile(folder / "list"),
-                Optional(ElementsAre(Pair("CFBundleVersion", "7.0.3"))));
+                Optional(ElementsAre(Pair("CFBundleVersion", VariantWith<std::string>("7.0.3")))));
     folder.write("list", list + std::string(largest - list.size() + 1, ' '));
     EXPECT_EQ(lists.dictionaryWithContentsOfFile(folder / "list"), std::nullopt);
 }

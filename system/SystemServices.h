@@ -11,7 +11,7 @@
 
 namespace vantrel {
 
-/// What the pane needs of the system.
+/// What a program with the settings needs of the system.
 struct Services {
     Preferences& preferences;
     OverrideMetadata& overrides;
@@ -23,7 +23,8 @@ struct Services {
     Notifications& notifications;
 };
 
-/// The services of the system that this build is for, which live as long as the process.
-const Services& systemServices();
+/// The services of the system that this build is for, which live as long as the process. Alerts and log are the
+/// program's own and have to live as long; one program asks once.
+Services systemServices(Alerts& alerts, Log& log);
 
 }  // namespace vantrel

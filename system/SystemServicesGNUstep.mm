@@ -1,4 +1,5 @@
-#include "Preference/Vantrel/SystemServices.h"
+#include "system/SystemServices.h"
+
 #include "host/EnablerSwitch.h"
 #import "overrides/InstalledMetadataDictionary.h"
 #import "overrides/MetadataDictionaryOverrides.h"
@@ -11,18 +12,14 @@
 
 namespace vantrel {
 
-const Services& systemServices() {
-    static cocoa::CocoaLog log;
+Services systemServices(Alerts &alerts, Log &log) {
     static gnustep::GNUstepPreferences preferences(cocoa::defaultsFolder(), log);
     static MetadataDictionaryOverrides overrides(installedMetadataDictionary());
     static linux::SysfsProcessors processors;
     static posix::PosixFiles files(posix::SystemCalls::real(), std::string(enablerPaths::application));
     static gnustep::GNUstepPropertyLists propertyLists;
-    static cocoa::CocoaAlerts alerts;
-    static cocoa::CocoaNotifications notifications;
-    static const Services services{preferences,   overrides, processors, files,
-                                   propertyLists, alerts,    log,        notifications};
-    return services;
+    static cocoa::CocoaNotifications notifications(log);
+    return {preferences, overrides, processors, files, propertyLists, alerts, log, notifications};
 }
 
 }  // namespace vantrel

@@ -1,4 +1,5 @@
-#include "Preference/Vantrel/SystemServices.h"
+#include "system/SystemServices.h"
+
 #import "overrides/MetadataDictionaryOverrides.h"
 #import "platform/apple/AppleFiles.h"
 #include "platform/apple/ApplePreferences.h"
@@ -8,18 +9,14 @@
 
 namespace vantrel {
 
-const Services& systemServices() {
+Services systemServices(Alerts &alerts, Log &log) {
     static apple::ApplePreferences preferences;
     static MetadataDictionaryOverrides overrides(apple::makersMetadataDictionary());
     static apple::AppleProcessors processors;
     static apple::AppleFiles files;
     static apple::ApplePropertyLists propertyLists;
-    static cocoa::CocoaAlerts alerts;
-    static cocoa::CocoaLog log;
-    static cocoa::CocoaNotifications notifications;
-    static const Services services{preferences,   overrides, processors, files,
-                                   propertyLists, alerts,    log,        notifications};
-    return services;
+    static cocoa::CocoaNotifications notifications(log);
+    return {preferences, overrides, processors, files, propertyLists, alerts, log, notifications};
 }
 
 }  // namespace vantrel
