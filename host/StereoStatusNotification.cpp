@@ -4,8 +4,7 @@ namespace vantrel {
 
 void postStereoStatusChange(Notifications& notifications, Log& log) {
     log.log("post notification");
-    notifications.postNotificationName("StereoStatusMenuViewChanged", "com.vantrel.PreferencePane",
-                                       /*deliverImmediately=*/true);
+    notifications.postNotificationName(stereoStatusChanged, stereoStatusSender, /*deliverImmediately=*/true);
 }
 
 }  // namespace vantrel

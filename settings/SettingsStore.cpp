@@ -51,8 +51,10 @@ void SettingsStore::write(const SettingsKey& key, const NewPreferenceValue& chos
         updatePath([field = *field, method](std::optional<long> stored) {
             return colorProcessingPath::withDemosaic(stored, field, static_cast<std::uint32_t>(method));
         });
-    } else if (index) {
-        set(key.name, long{key.kind == Kind::limit ? itemIndex(*index, limitBits) : static_cast<std::int32_t>(*index)});
+    } else if (index && key.kind == Kind::limit) {
+        set(key.name, long{itemIndex(*index, limitBits)});
+    } else if (index && key.kind == Kind::row) {
+        set(key.name, long{static_cast<std::int32_t>(*index)});
     } else {
         set(key.name, chosen);
     }

@@ -53,6 +53,11 @@ int DefaultsLock::take(posix::Patience& patience) {
     return 0;
 }
 
+bool DefaultsLock::isAbandoned() {
+    const auto other = identityOf(path_);
+    return other && isOld(*other);
+}
+
 void DefaultsLock::release() {
     if (!isTaken_) return;
     const auto now = identityOf(path_);

@@ -31,6 +31,9 @@ public:
     /// The folder that is the lock.
     const std::string& path() const { return path_; }
 
+    /// Whether another process has left the lock behind: it is so old that it may be broken.
+    bool isAbandoned();
+
 private:
     /// What tells one lock from the next in the same place.
     struct Identity {

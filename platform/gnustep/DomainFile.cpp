@@ -183,7 +183,7 @@ std::optional<Trouble> DomainFile::place(Next& next) {
 /// Gives a damaged file a free second name beside it and logs that: the new file can then take its first one, without a
 /// moment in which there is neither. 0, or -1 and `errno`.
 int DomainFile::keepAside(const std::string& path) {
-    const std::string kept = path + ".unreadable-" + universalTime(file_.status().st_mtim);
+    const std::string kept = path + std::string(setAsideMark) + universalTime(file_.status().st_mtim);
     for (int number = 1; number <= mostNames; ++number) {
         std::string free = kept;
         if (number > 1) free += '-' + std::to_string(number);

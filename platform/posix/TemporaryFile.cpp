@@ -45,13 +45,13 @@ bool isKept(SystemCalls& calls, const Descriptor& file) {
     return calls.fstat(file.number(), &status) == 0 && status.st_nlink > 0;
 }
 
-void removeIfLeft(SystemCalls& calls, const std::string& path) {
+void visitIfLeft(SystemCalls& calls, const std::string& path, const std::function<void(const std::string&)>& visit) {
     const Descriptor file(calls, calls.open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!file.isOpen() || calls.fstat(file.number(), &status) != 0) return;
     if (!S_ISREG(status.st_mode) || status.st_uid != geteuid() || status.st_nlink != 1) return;
     // A shared lock is enough to learn that its writer's is gone, and network file systems give it for reading.
-    if (calls.flock(file.number(), LOCK_SH | LOCK_NB) == 0) calls.unlink(path.c_str());
+    if (calls.flock(file.number(), LOCK_SH | LOCK_NB) == 0) visit(path);
 }
 
 }  // namespace
@@ -90,15 +90,20 @@ int TemporaryFile::renameNoReplace(const std::string& path) {
     return 0;
 }
 
-void removeLeftovers(SystemCalls& calls, const std::string& folder) {
+void visitLeftovers(SystemCalls& calls, const std::string& folder,
+                    const std::function<void(const std::string& path)>& visit) {
     struct dirent** names = nullptr;
     const int count = calls.scandir(folder.empty() ? "." : folder.c_str(), &names, isTemporaryName);
     if (count < 0) return;
     const std::unique_ptr<struct dirent*, Free> array(names);
     for (int index = 0; index < count; ++index) {
         const std::unique_ptr<struct dirent, Free> name(names[index]);
-        removeIfLeft(calls, inside(folder, name->d_name));
+        visitIfLeft(calls, inside(folder, name->d_name), visit);
     }
+}
+
+void removeLeftovers(SystemCalls& calls, const std::string& folder) {
+    visitLeftovers(calls, folder, [&calls](const std::string& path) { calls.unlink(path.c_str()); });
 }
 
 }  // namespace vantrel::posix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -37,8 +38,13 @@ private:
     std::optional<Descriptor> file_;
 };
 
-/// Removes the temporary files in `folder` that were left by processes that died. What is not certainly such a file
-/// stays, whatever its name: links, files of other users, files with a second name, and all that isn't a file.
+/// Calls `visit` with the path of each temporary file in `folder` that was left by a process that died. What is not
+/// certainly such a file is passed over, whatever its name: links, files of other users, files with a second name, and
+/// all that isn't a file.
+void visitLeftovers(SystemCalls& calls, const std::string& folder,
+                    const std::function<void(const std::string& path)>& visit);
+
+/// Removes them.
 void removeLeftovers(SystemCalls& calls, const std::string& folder);
 
 }  // namespace vantrel::posix

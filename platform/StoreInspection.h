@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vantrel {
+
+/// Something about the files of the settings that a person should know of.
+struct StoreFinding {
+    enum class Problem {
+        unreadable,        ///< it is there, but what is in it can't be told
+        damaged,           ///< it is no property list, or has no dictionary at its top
+        foreign,           ///< it belongs to another user
+        readableByOthers,  ///< other users may read or write it
+        setAside,          ///< a damaged file, kept under another name when the settings were next stored
+        unfinished,        ///< a process died before it had given the file its name
+        abandonedLock      ///< a process died with the lock, which holds everybody up
+    };
+
+    Problem problem;
+    std::string path;
+};
+
+/// The files in which the settings and the override metadata are kept.
+class StoreInspection {
+public:
+    virtual ~StoreInspection() = default;
+
+    /// What is amiss, store by store. Unfinished files are looked for in `otherFolders` as well. Changes nothing.
+    virtual std::vector<StoreFinding> findings(const std::vector<std::string>& otherFolders) = 0;
+};
+
+}  // namespace vantrel

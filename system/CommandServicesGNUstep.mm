@@ -1,0 +1,46 @@
+#import <Foundation/Foundation.h>
+
+#include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
+#import "platform/cocoa/CocoaFolders.h"
+#import "platform/cocoa/CocoaText.h"
+#import "platform/cocoa/CocoaWatch.h"
+#include "platform/gnustep/GNUstepStoreInspection.h"
+#include "platform/linux/FolderEvents.h"
+#include "platform/posix/Folders.h"
+#include "settings/KeyTable.h"
+#include "system/CommandServices.h"
+
+namespace vantrel {
+namespace {
+
+Log *programsLog = nullptr;
+
+/// What libraries log: one line, without the time and the process that NSLog puts before it.
+void takeLogLine(NSString *message) {
+    std::string line = cocoa::toUTF8(message);
+    const auto end = line.find("] ");
+    if (end != std::string::npos) line.erase(0, end + 2);
+    while (line.ends_with('\n')) line.pop_back();
+    programsLog->log(line);
+}
+
+}  // namespace
+
+CommandServices commandServices(Alerts &alerts, Log &log) {
+    // Lives as long as the program.
+    [NSAutoreleasePool new];
+    programsLog = &log;
+    _NSLog_printf_handler = takeLogLine;
+
+    static const std::string defaultsFolder = cocoa::defaultsFolder();
+    static const std::string record = overrideRecordFile(cocoa::applicationSupportFolder());
+    static gnustep::GNUstepStoreInspection inspection({defaultsFolder, std::string(codecApplicationID), record});
+    static const auto begin = [] {
+        static linux::FolderEvents events({defaultsFolder, posix::folderOf(record)});
+        return cocoa::ChangeEvents{events.descriptor(), [] { events.acknowledge(); }};
+    };
+    static cocoa::CocoaWatch watch(begin, log);
+    return {systemServices(alerts, log), inspection, watch};
+}
+
+}  // namespace vantrel
