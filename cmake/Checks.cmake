@@ -1,5 +1,5 @@
 # Targets that look at the sources: `format` rewrites them, `format-check` and `lint` complain.
-set(rooms Preference settings overrides host platform bench)
+set(rooms Preference command settings overrides host system platform bench)
 foreach(room ${rooms} tests)
     file(GLOB_RECURSE room_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${room}/*.h ${PROJECT_SOURCE_DIR}/${room}/*.cpp
                                                      ${PROJECT_SOURCE_DIR}/${room}/*.mm)

@@ -23,9 +23,8 @@ std::string bytesOf(const std::string& file) {
         input.read(buffer, sizeof buffer);
         bytes.append(buffer, static_cast<std::size_t>(input.gcount()));
     }
-    if (input.bad() || !input.eof()) {
-        throw Problem::failure(bytes.size() > largestProfile ? "is longer than 16 MiB" : "can't be read");
-    }
+    if (bytes.size() > largestProfile) throw Problem::failure("is longer than 16 MiB");
+    if (!input.eof()) throw Problem::failure("can't be read");
     return bytes;
 }
 

@@ -24,7 +24,7 @@ constexpr Command table[] = {
 
 constexpr Option optionTable[] = {
     {"check",  "",                        "write nothing, say the same; status 2 for a difference"},
-    {"format", "plist|json|mobileconfig", "a property list, JSON, or a configuration profile for managed Macs"},
+    {"format", "plist|json|mobileconfig", "a property list, JSON, or a configuration profile for Macs"},
     {"json",   "",                        "print JSON"},
     {"stored", "",                        "the stored value as it is; status 1 where there is none"},
 };

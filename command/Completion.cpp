@@ -4,6 +4,7 @@
 
 #include "command/Commands.h"
 #include "command/Text.h"
+#include "settings/Reading.h"
 
 namespace vantrel {
 namespace {
@@ -197,9 +198,10 @@ void tellFish(const std::vector<Setting>& settings) {
 
 }  // namespace
 
-Status completion(Context& context, const Arguments& arguments) {
+/// The scripts are the same on every machine: they offer as many threads as any menu does.
+Status completion(Context&, const Arguments& arguments) {
     const std::string& shell = arguments.words.front();
-    const auto& settings = context.store.settings();
+    const auto settings = allSettings(mostThreads);
     if (shell == "bash") tellBash(settings);
     if (shell == "zsh") tellZsh(settings);
     if (shell == "fish") tellFish(settings);

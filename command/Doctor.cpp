@@ -80,7 +80,7 @@ struct Advice {
 };
 
 constexpr auto advices = std::to_array<Advice>({
-    {StoreFinding::Problem::unreadable, "unreadable", "it can't be read, so defaults are shown", "chmod u+rw"},
+    {StoreFinding::Problem::unreadable, "unreadable", "it can't be read, so defaults are shown", "chmod u+rwX"},
     {StoreFinding::Problem::damaged, "damaged", "it is no property list, so defaults are shown",
      "mv --backup=numbered"},
     {StoreFinding::Problem::foreign, "foreign", "it belongs to another user", "sudo chown \"$(id -un)\""},

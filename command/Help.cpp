@@ -31,10 +31,10 @@ std::string help() {
     for (const auto& command : commands) text += row(command.name, command.summary);
     return text + "\nOptions:\n" + row("-h, --help", "this text, or that of a command") +
            row("--version", "the version") +
-           "\nA NAME is a setting's; vantrelctl list has them all. A VALUE is what the pane shows:\n"
-           "on or off, a number of threads or all, a menu's item or its index from 0, any text\n"
-           "for a folder. Status: 0 done, 1 could not be done, 2 a difference or a finding,\n"
-           "64 wrongly used.\n";
+           "\nA NAME is a setting's; vantrelctl list has them all. A VALUE is what the pane\n"
+           "shows: on or off, a number of threads or all, a menu's item or its index from 0,\n"
+           "any text for a folder. Status: 0 done, 1 could not be done, 2 a difference or a\n"
+           "finding, 64 wrongly used.\n";
 }
 
 std::string helpOf(const Command& command) {

@@ -146,7 +146,7 @@ NewPreferenceValue Setting::parse(const std::string& word) const {
     mustHaveControl();
     std::optional<NewPreferenceValue> value;
     const auto number = numberIn(word);
-    if (form_ == Form::text && isUTF8(word)) {
+    if (form_ == Form::text) {
         value = word;
     } else if (form_ == Form::flag && (isAnyOf(wordsForOn, word) || isAnyOf(wordsForOff, word))) {
         value = flag(isAnyOf(wordsForOn, word));
@@ -209,7 +209,7 @@ std::string Setting::expectation() const {
         case Form::threadsOrAll:
             return "all, or a number of threads from 1 to " + last;
         case Form::text:
-            return "a text in UTF-8";
+            return "a text";
         case Form::bits:
             break;
     }

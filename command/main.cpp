@@ -119,6 +119,11 @@ Parsed parse(std::vector<std::string> line) {
 }
 
 Status run(const std::vector<std::string>& line, ErrorOutput& errors) {
+    // GNUstep ends the process at words that it can't read.
+    const auto unreadable = std::find_if_not(line.begin(), line.end(), isUTF8);
+    if (unreadable != line.end()) {
+        throw Problem::misuse("word " + std::to_string(unreadable - line.begin() + 1) + ": it is not in UTF-8");
+    }
     const Parsed parsed = parse(line);
     if (parsed.wantsVersion) {
         std::cout << "vantrelctl " VERSION "\n";

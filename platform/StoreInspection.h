@@ -8,8 +8,8 @@ namespace vantrel {
 /// Something about the files of the settings that a person should know of.
 struct StoreFinding {
     enum class Problem {
-        unreadable,        ///< it is there, but what is in it can't be told
-        damaged,           ///< it is no property list, or has no dictionary at its top
+        unreadable,        ///< it, or the folder that it is in, may not be read
+        damaged,           ///< it is no file, no property list, has no dictionary at its top, or is too large
         foreign,           ///< it belongs to another user
         readableByOthers,  ///< other users may read or write it
         setAside,          ///< a damaged file, kept under another name when the settings were next stored

@@ -18,9 +18,12 @@ struct Surroundings {
     std::string defaultText = {};
 };
 
-/// How many threads the thread menus offer on a machine with that many cores: 1 to 32, whatever it tells.
+/// The thread menus offer no more threads, whatever the machine has.
+inline constexpr std::int32_t mostThreads = 32;
+
+/// How many threads the thread menus offer on a machine that tells so many cores: at least 1.
 constexpr std::int32_t threadsOffered(std::int32_t physicalCPUs) {
-    return std::clamp(physicalCPUs, 1, 32);
+    return std::clamp(physicalCPUs, 1, mostThreads);
 }
 
 /// What a stored value comes to.

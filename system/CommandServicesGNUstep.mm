@@ -10,6 +10,17 @@
 #include "settings/KeyTable.h"
 #include "system/CommandServices.h"
 
+/// Foundation reads a program's own defaults as soon as it reads a property list or makes a time zone. It takes the
+/// same lock for that as the store here, waits for one that a dead process left, and breaks it. A command has no
+/// defaults of its own, and one that only looks must not do so.
+@implementation NSUserDefaults (None)
+
++ (NSUserDefaults *)standardUserDefaults {
+    return nil;
+}
+
+@end
+
 namespace vantrel {
 namespace {
 

@@ -39,15 +39,17 @@ std::vector<StoreFinding> GNUstepStoreInspection::findings(const std::vector<std
 void GNUstepStoreInspection::examineList(const std::string& path, std::vector<StoreFinding>& findings) {
     struct stat status {};
     if (calls_.stat(path.c_str(), &status) != 0) {
-        if (errno != ENOENT && errno != ENOTDIR) findings.push_back({Problem::unreadable, path});
+        const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+        if (!isMissing) findings.push_back({Problem::unreadable, posix::folderOf(path)});
         return;
     }
-    const auto bytes = posix::contentsOfFile(calls_, path, largestPropertyList);
     if (status.st_uid != geteuid()) findings.push_back({Problem::foreign, path});
     if ((status.st_mode & othersBits) != 0) findings.push_back({Problem::readableByOthers, path});
-    if (!bytes) {
+    const bool isReadable = S_ISREG(status.st_mode) && status.st_size <= static_cast<off_t>(largestPropertyList);
+    const auto bytes = isReadable ? posix::contentsOfFile(calls_, path, largestPropertyList) : std::nullopt;
+    if (isReadable && !bytes) {
         findings.push_back({Problem::unreadable, path});
-    } else if (!PropertyList::parse(*bytes)) {
+    } else if (!bytes || !PropertyList::parse(*bytes)) {
         findings.push_back({Problem::damaged, path});
     }
 }
