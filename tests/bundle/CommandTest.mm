@@ -13,6 +13,7 @@
 #include <sstream>
 
 #import "tests/bundle/Host.h"
+#include "tests/host/PrivateMachine.h"
 
 namespace vantrel::host {
 namespace {
@@ -250,3 +251,14 @@ TEST(TheWatchingCommand, TellsOfEachClickInAPane) {
 
 }  // namespace
 }  // namespace vantrel::host
+
+int main(int argc, char **argv) {
+    testing::InitGoogleTest(&argc, argv);
+    // Its Final Cut Pro is none of the machine's.
+    vantrel::PrivateMachine::enter();
+    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    [NSApplication sharedApplication];
+    const int result = RUN_ALL_TESTS();
+    [pool release];
+    return result;
+}
