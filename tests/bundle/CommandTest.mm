@@ -57,21 +57,27 @@ void writeBytes(const std::map<std::string, std::string> &wanted) {
 
 /// A choice in the pane, and what the command is told for the same.
 struct Choice {
+    /// Whether the pane's flags show on before it.
+    bool flags;
     std::string name;
     std::string value;
     std::function<void(const Pane &pane)> make;
 };
 
-Choice click(const std::string &name, const std::string &value, const char *outlet) {
-    return {name, value, [outlet](const Pane &pane) { pane.click(outlet); }};
+std::ostream &operator<<(std::ostream &out, const Choice &choice) {
+    return out << choice.name << ' ' << choice.value;
+}
+
+Choice click(bool flags, const std::string &name, const std::string &value, const char *outlet) {
+    return {flags, name, value, [outlet](const Pane &pane) { pane.click(outlet); }};
 }
 
 Choice choose(const std::string &name, const std::string &value, const char *outlet, NSInteger index) {
-    return {name, value, [=](const Pane &pane) { pane.choose(outlet, index); }};
+    return {true, name, value, [=](const Pane &pane) { pane.choose(outlet, index); }};
 }
 
 Choice type(const std::string &name, const std::string &value, const char *field, const char *ok) {
-    return {name, value, [=](const Pane &pane) {
+    return {true, name, value, [=](const Pane &pane) {
                 pane.type(field, [NSString stringWithUTF8String:value.c_str()]);
                 pane.click(ok);
             }};
@@ -97,11 +103,10 @@ NSDictionary *domain(bool flags) {
     return domain;
 }
 
-/// The pane's flags show on or off before the choice; a click turns them over.
-struct TheCommand : testing::TestWithParam<std::pair<bool, Choice>> {
+struct TheCommand : testing::TestWithParam<Choice> {
     TheCommand() {
         emptyHome();
-        const auto [flags, choice] = GetParam();
+        const bool flags = GetParam().flags;
         writeDomainFile(domain(flags));
         auto start = bytes();
         start[files()[1]] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>THEM</key>"
@@ -125,7 +130,7 @@ struct TheCommand : testing::TestWithParam<std::pair<bool, Choice>> {
 };
 
 TEST_P(TheCommand, StoresByteForByteWhatAClickStores) {
-    const auto &choice = GetParam().second;
+    const auto &choice = GetParam();
     const auto start = bytes();
     {
         const Pane pane;
@@ -142,8 +147,8 @@ TEST_P(TheCommand, StoresByteForByteWhatAClickStores) {
     EXPECT_EQ(bytes(), clicked);
 }
 
-std::vector<std::pair<bool, Choice>> choices() {
-    std::vector<std::pair<bool, Choice>> all;
+std::vector<Choice> choices() {
+    std::vector<Choice> all;
     for (const auto &[name, outlet] :
          std::initializer_list<std::pair<const char *, const char *>>{{"FormatRGB8", "fmtRGB8Bit"},
                                                                       {"FormatRGB16", "fmtRGB16Bit"},
@@ -155,10 +160,10 @@ std::vector<std::pair<bool, Choice>> choices() {
                                                                       {"FCPForceLetterBox", "fmtFCPLetterbox"},
                                                                       {"PProCS5HasMovieSetup", "cs5SourceSettings"},
                                                                       {"ShowStereoStatusMenu", "_showStereoStatus"}}) {
-        all.emplace_back(true, click(name, "off", outlet));
+        all.push_back(click(true, name, "off", outlet));
     }
     // The set-up doesn't read this one: its box is off at first.
-    all.emplace_back(false, click("FormatDualStream3D", "on", "fmtDualStream3D"));
+    all.push_back(click(false, "FormatDualStream3D", "on", "fmtDualStream3D"));
     // More than a flag hangs on these.
     for (const auto &[name, outlet] :
          std::initializer_list<std::pair<const char *, const char *>>{{"whiteBalance", "whiteBalance"},
@@ -167,23 +172,23 @@ std::vector<std::pair<bool, Choice>> choices() {
                                                                       {"gamma", "gamma"},
                                                                       {"fcpRTEnableSwap", "fcpRTEnable"},
                                                                       {"CLSF", "filter422To444"}}) {
-        all.emplace_back(true, click(name, "off", outlet));
-        all.emplace_back(false, click(name, "on", outlet));
+        all.push_back(click(true, name, "off", outlet));
+        all.push_back(click(false, name, "on", outlet));
     }
-    all.emplace_back(true, choose("QTGammaCorrection", "1", "fmtQTGamma", 1));
-    all.emplace_back(true, choose("FCPGammaCorrection", "Corrected for display", "fmtFCPGamma", 1));
-    all.emplace_back(true, choose("8bitDebayer", "3", "presentationDemosaic", 3));
-    all.emplace_back(true, choose("RenderDebayer", "Bilinear", "renderDemosaic", 2));
-    all.emplace_back(true, choose("MaxEncodeThreads", "1", "encodeThreads", 0));
-    all.emplace_back(true, choose("CPUM", "1", "decodeThreads", 1));
-    all.emplace_back(true, choose("CPUM", "all", "decodeThreads", 0));
-    all.emplace_back(true, type("LUTsPath", "/Volumes/L & <U> 漢", "_LUTsPath", "_LUTsOK"));
-    all.emplace_back(true, type("OverridePath", "[a,b]", "_overridePath", "_overrideOK"));
+    all.push_back(choose("QTGammaCorrection", "1", "fmtQTGamma", 1));
+    all.push_back(choose("FCPGammaCorrection", "Corrected for display", "fmtFCPGamma", 1));
+    all.push_back(choose("8bitDebayer", "3", "presentationDemosaic", 3));
+    all.push_back(choose("RenderDebayer", "Bilinear", "renderDemosaic", 2));
+    all.push_back(choose("MaxEncodeThreads", "1", "encodeThreads", 0));
+    all.push_back(choose("CPUM", "1", "decodeThreads", 1));
+    all.push_back(choose("CPUM", "all", "decodeThreads", 0));
+    all.push_back(type("LUTsPath", "/Volumes/L & <U> 漢", "_LUTsPath", "_LUTsOK"));
+    all.push_back(type("OverridePath", "[a,b]", "_overridePath", "_overrideOK"));
     return all;
 }
 
 INSTANTIATE_TEST_SUITE_P(ForEveryControl, TheCommand, testing::ValuesIn(choices()),
-                         [](const auto &test) { return test.param.second.name + "_" + std::to_string(test.index); });
+                         [](const auto &test) { return test.param.name + "_" + std::to_string(test.index); });
 
 /// The command `watch`, as long as this lives.
 class Watching {
@@ -253,12 +258,7 @@ TEST(TheWatchingCommand, TellsOfEachClickInAPane) {
 }  // namespace vantrel::host
 
 int main(int argc, char **argv) {
-    testing::InitGoogleTest(&argc, argv);
     // Its Final Cut Pro is none of the machine's.
     vantrel::PrivateMachine::enter();
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
-    [NSApplication sharedApplication];
-    const int result = RUN_ALL_TESTS();
-    [pool release];
-    return result;
+    return vantrel::host::runTests(argc, argv);
 }
