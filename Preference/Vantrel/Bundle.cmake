@@ -5,7 +5,7 @@ target_link_libraries(pane_surface PUBLIC vantrel_pane vantrel_cocoa_overrides v
 
 add_library(pane MODULE)
 target_link_libraries(pane PRIVATE pane_surface vantrel_system)
-set_target_properties(pane PROPERTIES LINKER_LANGUAGE OBJCXX)
+set_target_properties(pane PROPERTIES LINKER_LANGUAGE CXX)
 set_target_properties(pane PROPERTIES OUTPUT_NAME Vantrel PREFIX "" SUFFIX "")
 
 if(APPLE)

@@ -1,4 +1,4 @@
-"""The pane as it is configured and built on a Mac, with the preset's own settings.
+"""The pane and the command as they are configured and built on a Mac, with the preset's own settings.
 
     MacOSTest.py BUILD-FOLDER
 
@@ -83,35 +83,38 @@ class Building(unittest.TestCase):
         used = {(BUILD / path).resolve() for path in run("ninja", "-C", BUILD, "-t", "deps").split()}
         return [path for path in used if PROJECT in path.parents and TESTS.parent not in path.parents and path.is_file()]
 
-    def linked(self, architecture):
-        return (BUILD / f"linked-{architecture}.txt").read_text(encoding="utf-8").split("\n")
+    def linked(self, kind, architecture):
+        return (BUILD / f"{kind}-{architecture}.txt").read_text(encoding="utf-8").split("\n")
 
-    def test_the_program_has_both_word_sizes(self):
-        architectures = llvm("lipo", "-archs", BUNDLE / "Contents" / "MacOS" / "Vantrel").split()
-        self.assertCountEqual(architectures, ARCHITECTURES)
+    def frameworks(self, kind, architecture):
+        arguments = self.linked(kind, architecture)
+        return {name for option, name in zip(arguments, arguments[1:]) if option == "-framework"}
+
+    def test_the_bundle_and_the_command_have_both_word_sizes(self):
+        for program in (BUNDLE / "Contents" / "MacOS" / "Vantrel", BUILD / "bin" / "vantrelctl"):
+            self.assertCountEqual(llvm("lipo", "-archs", program).split(), ARCHITECTURES)
 
     def test_it_is_linked_as_a_bundle_for_the_oldest_system(self):
         for architecture in ARCHITECTURES:
             with self.subTest(architecture):
-                arguments = self.linked(architecture)
-                self.assertIn("-bundle", arguments)
+                arguments = self.linked("bundle", architecture)
                 version = arguments[arguments.index("-macosx_version_min") + 1]
                 self.assertEqual(version, OLDEST_SYSTEM + ".0")
 
-    def test_it_is_linked_with_every_framework_that_the_sources_name(self):
+    def test_both_are_linked_with_every_framework_that_the_sources_name_and_the_command_without_a_windows(self):
         imports = {match for path in self.sources_and_headers()
                    for match in re.findall(r"^#(?:import|include) <(\w+)/\1\.h>", path.read_text(encoding="utf-8"),
                                            re.MULTILINE)}
         for architecture in ARCHITECTURES:
             with self.subTest(architecture):
-                arguments = self.linked(architecture)
-                frameworks = {name for option, name in zip(arguments, arguments[1:]) if option == "-framework"}
-                self.assertEqual(frameworks, imports)
+                self.assertEqual(self.frameworks("bundle", architecture), imports)
+                self.assertEqual(self.frameworks("program", architecture), imports - {"AppKit", "PreferencePanes"})
 
     def test_the_standard_library_is_the_systems_own(self):
-        for architecture in ARCHITECTURES:
-            with self.subTest(architecture):
-                self.assertIn("-lc++", self.linked(architecture))
+        for kind in ("bundle", "program"):
+            for architecture in ARCHITECTURES:
+                with self.subTest(kind, architecture=architecture):
+                    self.assertIn("-lc++", self.linked(kind, architecture))
         self.assertFalse([path for path in BUNDLE.rglob("*") if "c++" in path.name])
 
     def test_nothing_is_called_that_the_oldest_system_lacks(self):
