@@ -67,10 +67,9 @@ TEST_F(ApplePropertyListsTest, ListsEachEntryWithItsType) {
     ASSERT_TRUE(entries);
     std::map<std::string, std::string> described;
     for (const auto &[key, value] : *entries) described[key] = memory::describeStored(value);
-    EXPECT_THAT(described,
-                ElementsAre(Pair("array", "other type"), Pair("empty", "\"\""), Pair("flag", "true"),
-                            Pair("inner", "other type"), Pair("number", "703"), Pair("real", "unreadable number"),
-                            Pair("text", "\"\u00e9 & \u65e5\u672c\"")));
+    EXPECT_THAT(described, ElementsAre(Pair("array", "other type"), Pair("empty", "\"\""), Pair("flag", "true"),
+                                       Pair("inner", "other type"), Pair("number", "703"),
+                                       Pair("real", "unreadable number"), Pair("text", "\"\u00e9 & \u65e5\u672c\"")));
 }
 
 TEST_F(ApplePropertyListsTest, MayBeEmpty) {
