@@ -21,14 +21,11 @@ files_of_tree() {
     )
 }
 
-# What a package depends on, but for the other one.
-depends() { dpkg-deb --field "$1" Depends | sed -E 's/libkvrxmetadatadictionary1 \([^)]*\)(, )?//'; }
-
 installed() { in_tree dpkg-query --show --showformat "\${db:Status-Status} \${Package}\n" | grep -v '^not-installed'; }
 
 debs=()
 for name in "${names[@]}"; do debs+=("$(realpath "$packages/$name"_*.deb)"); done
-make_tree "$(dpkg-deb --field "${debs[0]}" Architecture)" "$(depends "${debs[0]}"), $(depends "${debs[1]}")"
+make_tree "$(dpkg-deb --field "${debs[0]}" Architecture)" "$(depends_of "${debs[@]}")"
 files_before=$(files_of_tree)
 installed_before=$(installed)
 

@@ -2,7 +2,7 @@
 # Fresh Debian trees for tests that install packages, as a library for bash.
 #
 #   enter_own_namespace   runs the script again as root, in a mount and process namespace of its own
-#   make_tree             a tree with what some packages need
+#   make_tree             a tree with what some packages need, for instance what `depends_of` tells
 #   in_tree, as_editor    run a command in it, as root and as an ordinary user
 #   open_display_to_tree  lets programs in the tree onto the desktop that has been started
 #
@@ -31,6 +31,13 @@ mirror() {
         echo "This machine's package sources name no mirror of Debian $suite." >&2
         exit 1
     }
+}
+
+# What packages depend on beside each other.
+depends_of() { # packages
+    local fields
+    for package in "$@"; do fields+=${fields:+, }$(dpkg-deb --field "$package" Depends); done
+    sed -E 's/libkvrxmetadatadictionary1 \([^)]*\)(, )?//g' <<<"$fields"
 }
 
 # Sets `tree` to a fresh Debian of an architecture in which a Depends field is satisfied, with an ordinary user.
