@@ -75,15 +75,34 @@ std::vector<Wish> wishesOf(const PropertyListEntries& entries, const Store& stor
     return wishes;
 }
 
-Node nodeOf(const std::vector<Change>& changes, long unchanged, bool isCheck) {
-    Node::List changed;
+/// The changes that are told: those that a check found needed, or those that were made.
+std::vector<const Change*> told(const std::vector<Change>& changes, bool isCheck) {
+    std::vector<const Change*> told;
     for (const auto& change : changes) {
-        if (!change.isNeeded) continue;
-        changed.push_back({Node::Members{{"key", {std::string(change.setting->name())}},
-                                         {"before", storedNode(change.before.stored)},
-                                         {"after", storedNode(asStored(change.after))}}});
+        if (isCheck ? change.isNeeded : change.isMade) told.push_back(&change);
+    }
+    return told;
+}
+
+Node nodeOf(const std::vector<const Change*>& changes, long unchanged, bool isCheck) {
+    Node::List changed;
+    for (const auto* change : changes) {
+        changed.push_back({Node::Members{{"key", {std::string(change->setting->name())}},
+                                         {"before", storedNode(change->before.stored)},
+                                         {"after", storedNode(asStored(change->after))}}});
     }
     return {Node::Members{{"changed", {changed}}, {"unchanged", {unchanged}}, {"check", {isCheck}}}};
+}
+
+void tell(const std::vector<Change>& changes, const Arguments& arguments) {
+    const auto changed = told(changes, arguments.check);
+    const auto unchanged = std::count_if(changes.begin(), changes.end(), [](auto& change) { return !change.isNeeded; });
+    if (arguments.json) {
+        std::cout << toJSON(nodeOf(changed, unchanged, arguments.check)) << '\n';
+        return;
+    }
+    for (const auto* change : changed) std::cout << change->line() << '\n';
+    std::cout << changed.size() << " changed, " << unchanged << " unchanged\n";
 }
 
 }  // namespace
@@ -92,22 +111,14 @@ Status apply(Context& context, const Arguments& arguments) {
     auto& store = context.store;
     auto changes =
         store.changes(wishesOf(entriesOf(arguments.words.front(), context.system.services.propertyLists), store));
-    if (arguments.check || arguments.json) {
+    try {
         if (!arguments.check) store.make(changes);
-    } else {
-        makeAndTell(store, changes, false);
+    } catch (const Problem&) {
+        tell(changes, arguments);
+        throw;
     }
-    const auto unchanged = std::count_if(changes.begin(), changes.end(), [](auto& change) { return !change.isNeeded; });
-    const auto changed = static_cast<std::ptrdiff_t>(changes.size()) - unchanged;
-    if (arguments.json) {
-        std::cout << toJSON(nodeOf(changes, unchanged, arguments.check)) << '\n';
-    } else {
-        for (const auto& change : changes) {
-            if (arguments.check && change.isNeeded) std::cout << change.line() << '\n';
-        }
-        std::cout << changed << " changed, " << unchanged << " unchanged\n";
-    }
-    return arguments.check && changed > 0 ? Status::different : Status::done;
+    tell(changes, arguments);
+    return arguments.check && !told(changes, true).empty() ? Status::different : Status::done;
 }
 
 }  // namespace vantrel

@@ -55,9 +55,9 @@ const Option& optionNamed(std::string_view name);
 /// The words of a text with `separator` between them.
 std::vector<std::string_view> split(std::string_view text, char separator);
 
-/// Makes the changes that are needed and tells a line for each, and for each that isn't needed, if that is wanted.
-/// Throws as `Store::make`, after the lines of those that were made until then.
-void makeAndTell(Store& store, std::vector<Change>& changes, bool tellsUnchanged);
+/// Makes the changes that are needed and tells a line for each, and for each that isn't needed. Throws as
+/// `Store::make`, after the lines of those that were made until then.
+void makeAndTell(Store& store, std::vector<Change>& changes);
 
 /// Each command has a file of its name.
 Status list(Context& context, const Arguments& arguments);

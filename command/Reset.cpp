@@ -20,7 +20,7 @@ Status reset(Context& context, const Arguments& arguments) {
         }
     }
     auto changes = context.store.changes(wishes);
-    makeAndTell(context.store, changes, true);
+    makeAndTell(context.store, changes);
     return Status::done;
 }
 

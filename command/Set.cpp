@@ -5,10 +5,10 @@
 
 namespace vantrel {
 
-void makeAndTell(Store& store, std::vector<Change>& changes, bool tellsUnchanged) {
+void makeAndTell(Store& store, std::vector<Change>& changes) {
     const auto tell = [&] {
         for (const auto& change : changes) {
-            if (change.isMade || (tellsUnchanged && !change.isNeeded)) std::cout << change.line() << '\n';
+            if (change.isMade || !change.isNeeded) std::cout << change.line() << '\n';
         }
     };
     try {
@@ -35,7 +35,7 @@ Status set(Context& context, const Arguments& arguments) {
     }
     problems.tell();
     auto changes = context.store.changes(wishes);
-    makeAndTell(context.store, changes, true);
+    makeAndTell(context.store, changes);
     return Status::done;
 }
 

@@ -1,5 +1,6 @@
 """Runs in a file tree of its own, in which /Applications and /Library are empty: see in_private_machine.cpp."""
 
+import json
 import plistlib
 import shutil
 import unittest
@@ -151,6 +152,17 @@ class InSetAndApply(EnablerTest):
         answer = self.run_command("set", "fcpRTEnableSwap", "on", "look", "off", "CLSF", "on")
         self.assertEqual((answer.status, answer.out), (1, "look: missing -> off\nCLSF: missing -> on\n"))
         self.assertEqual((self.domain(), self.record()), ({"look": False, "ColorProcessingPath": 0}, {"CLSF": 1}))
+
+    def test_what_apply_made_until_then_is_told_too(self):
+        self.enter("broken")
+        profile = '{"fcpRTEnableSwap": true, "look": false, "gamma": true}'
+        self.write_domain({"gamma": True, "ColorProcessingPath": 0x20})
+        answer = self.run_command("apply", "-", "--json", said=profile)
+        self.assertEqual((answer.status, json.loads(answer.out)),
+                         (1, {"changed": [{"key": "look", "before": None, "after": False}], "unchanged": 1,
+                              "check": False}))
+        answer = self.run_command("apply", "-", said=profile)
+        self.assertEqual((answer.status, answer.out), (1, "0 changed, 2 unchanged\n"))
 
     def test_a_check_touches_no_file(self):
         before = self.stores()
