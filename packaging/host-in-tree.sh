@@ -18,9 +18,8 @@ gnustep_folder() { # USER, LOCAL or SYSTEM
     esac
 }
 
-# Opens the pane in the tree, clicks a check box of the settings and one of the override metadata, expects their values in
-# the user's files, and keeps a picture.
-click_in_tree() { # picture
+# Opens the pane in the tree, for a user without settings.
+open_pane_in_tree() {
     start_desktop
     open_display_to_tree
     defaults_file=$tree/home/$editor/GNUstep/Defaults/$domain.plist
@@ -28,6 +27,12 @@ click_in_tree() { # picture
     [[ ! -e $defaults_file ]] || fail "the user has settings before the pane has been opened"
     open_host
     open_pane
+}
+
+# Opens the pane in the tree, clicks a check box of the settings and one of the override metadata, expects their values in
+# the user's files, and keeps a picture.
+click_in_tree() { # picture
+    open_pane_in_tree
     expect stored FormatRGB8 true
     click_control fmtRGB8Bit
     expect stored FormatRGB8 false
