@@ -35,6 +35,21 @@ void takeLogLine(NSString *message) {
     programsLog->log(line);
 }
 
+/// Notifications for whoever listens already. The daemon that carries them runs as long as somebody listens; posting
+/// would start it, ten times as long as all else that a command does, and for nobody.
+class HeardNotifications : public Notifications {
+   public:
+    explicit HeardNotifications(Notifications &all) : all_(all) {}
+
+    void postNotificationName(std::string_view name, std::string_view object, bool deliverImmediately) override {
+        NSPort *daemon = [[NSMessagePortNameServer sharedInstance] portForName:@"GDNCServer" onHost:@""];
+        if (daemon) all_.postNotificationName(name, object, deliverImmediately);
+    }
+
+   private:
+    Notifications &all_;
+};
+
 }  // namespace
 
 CommandServices commandServices(Alerts &alerts, Log &log) {
@@ -51,7 +66,11 @@ CommandServices commandServices(Alerts &alerts, Log &log) {
         return cocoa::ChangeEvents{events.descriptor(), [] { events.acknowledge(); }};
     };
     static cocoa::CocoaWatch watch(begin, log);
-    return {systemServices(alerts, log), inspection, watch};
+    const Services all = systemServices(alerts, log);
+    static HeardNotifications notifications(all.notifications);
+    return {{all.preferences, all.overrides, all.processors, all.files, all.propertyLists, alerts, log, notifications},
+            inspection,
+            watch};
 }
 
 }  // namespace vantrel

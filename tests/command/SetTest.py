@@ -129,6 +129,10 @@ class Set(HomeTest):
         self.expect(["set", "ShowStereoStatusMenu", "off"], "ShowStereoStatusMenu: missing -> off\n")
         self.assertEqual(self.domain(), {"ShowStereoStatusMenu": False})
 
+    def test_where_nobody_listens_no_daemon_is_started_for_notifications(self):
+        self.run_command("set", "ShowStereoStatusMenu", "off")
+        self.assertEqual([path for path in self.sockets.rglob("*") if not path.is_dir()], [])
+
 
 class WrongSet(HomeTest):
     def test_a_value_that_the_control_cant_show_is_refused(self):
