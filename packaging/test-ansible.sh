@@ -10,7 +10,8 @@ source "$(dirname "${BASH_SOURCE[0]}")/host-in-tree.sh"
 packages=$1 VANTREL_PICTURES=$2 tree_cache=$3
 enter_own_namespace "$@"
 
-readonly ansible=$(realpath "$(dirname "${BASH_SOURCE[0]}")")/ansible
+packaging=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
+readonly packaging
 readonly hosts="damaged desk gone misspelt node1 node2 node3 node4 record"
 
 # What all hosts have before Ansible comes: the pane, and a source of packages that has the command.
@@ -45,14 +46,27 @@ make_hosts() {
     tree=$trees/desk
 }
 
+# The playbooks, the variables and the script are those that the documents show.
+documented() { # language, which
+    awk -v language="$1" -v which="$2" '/^```$/ { inside = 0 } inside && block == which
+        $0 == "```" language { inside = 1; ++block }' "$packaging/../docs/fleet.md" | grep .
+}
+
+make_inventory() {
+    mkdir -p "$scratch/ansible/group_vars"
+    cp "$packaging/ansible/test/hosts.yml" "$scratch/ansible"
+    documented yaml 1 >"$scratch/ansible/playbook.yml"
+    documented yaml 2 >"$scratch/ansible/group_vars/render_nodes.yml"
+    documented yaml 3 >"$scratch/ansible/module-alone.yml"
+}
+
 play() { # title, more words for ansible-playbook
-    local title=$1
-    shift
-    printf '\n--- %s\n' "$title"
-    ANSIBLE_HOME=$scratch/ansible ANSIBLE_ROLES_PATH=$ansible/roles ANSIBLE_NOCOLOR=yes \
-        ANSIBLE_CONNECTION_PLUGINS=$ansible/test/connection_plugins \
-        /usr/bin/ansible-playbook --inventory "$ansible/test/hosts.yml" --extra-vars "trees=$trees" "$@" \
-        "$ansible/test/playbook.yml" >"$scratch/played" 2>&1 || true
+    local begin=$SECONDS
+    ANSIBLE_HOME=$scratch/ansible-home ANSIBLE_NOCOLOR=yes ANSIBLE_ROLES_PATH=$packaging/ansible/roles \
+        ANSIBLE_CONNECTION_PLUGINS=$packaging/ansible/test/connection_plugins \
+        /usr/bin/ansible-playbook --inventory "$scratch/ansible/hosts.yml" --extra-vars "trees=$trees" "${@:2}" \
+        "$scratch/ansible/${playbook:-playbook}.yml" >"$scratch/played" 2>&1 || true
+    printf '\n--- %s, %s s\n' "$1" $((SECONDS - begin))
     sed -n '/^PLAY RECAP/,$p' "$scratch/played"
 }
 
@@ -85,7 +99,7 @@ give() { # host, user, file below the user's GNUstep folder, its content
     chroot "$trees/$1" chown --recursive "$2:$2" "/home/$2/GNUstep"
 }
 
-# What the profile in hosts.yml wants, as vantrelctl shows it.
+# What the profile wants, as vantrelctl shows it.
 expect_profile_made() { # host, user
     local name shown=""
     for name in FormatRGB8 look MaxEncodeThreads CLSF; do shown+=" $(vantrelctl_on "$1" "$2" get "$name")"; done
@@ -97,6 +111,7 @@ make_hosts
 give damaged ada "Defaults/$domain.plist" "<plist><dict><key>look"
 give record ada Library/ApplicationSupport/Vantrel/OverrideMetadata.plist "no property list"
 open_pane_in_tree
+make_inventory
 before=$(all_settings)
 
 play "A check, before the first run" --check --diff
@@ -176,3 +191,17 @@ node4 0 0 0
 record 1 0 0"
 expect_profile_made node2 ada
 expect_profile_made record ada
+
+# For the user who connects, and without Ansible.
+vantrelctl_on node3 ada export --format json >"$scratch/ansible/profile.json"
+playbook=module-alone ANSIBLE_LIBRARY=$packaging/ansible/roles/vantrel/library play "The module alone"
+expect_recap "node1 1 0 0"
+expect_profile_made node1 root
+mkdir "$trees/node4/etc/vantrel"
+echo '{"FormatRGB8": true}' >"$trees/node4/etc/vantrel/profile.json"
+chroot "$trees/node4" groupadd --users editor,ada render
+documented sh 1 >"$trees/node4/tmp/script"
+expect_same "what the script did" "$(tree=$trees/node4 in_tree bash -eu /tmp/script)" "FormatRGB8: off -> on
+1 changed, 0 unchanged
+FormatRGB8: off -> on
+1 changed, 0 unchanged"

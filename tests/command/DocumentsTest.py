@@ -11,15 +11,17 @@ from home import HomeTest
 from UsageTest import COMMANDS
 
 PROJECT = Path(__file__).resolve().parents[2]
-DOCUMENTS = ["README.md", "docs/command.md", "docs/settings.md", "docs/troubleshooting.md"]
+DOCUMENTS = ["README.md", "docs/command.md", "docs/fleet.md", "docs/settings.md", "docs/troubleshooting.md"]
 
 # These build and test the project itself, this test among all others.
 NOT_RUN = re.compile(r"\./run|\./test")
 
 
 def examples(document):
-    """Yields each command of the indented blocks, with the lines that it prints where the document shows any."""
-    lines = (PROJECT / document).read_text(encoding="utf-8").splitlines()
+    """Yields each command of the indented blocks, with the lines that it prints where the document shows any. What stands
+    between fences is for other programs."""
+    text = re.sub(r"^```.*?^```$", "", (PROJECT / document).read_text(encoding="utf-8"), flags=re.DOTALL | re.MULTILINE)
+    lines = text.splitlines()
     shown = None
     for line in [*lines, ""]:
         is_prompt = line.startswith("    $ ")
@@ -58,6 +60,9 @@ class Documents(HomeTest):
 
     def test_the_commands_document_shows_what_it_really_prints(self):
         self.expect_examples("docs/command.md")
+
+    def test_the_fleets_document_shows_what_it_really_prints(self):
+        self.expect_examples("docs/fleet.md")
 
     def test_the_troubleshootings_examples_work(self):
         self.expect_examples("docs/troubleshooting.md")
