@@ -9,9 +9,9 @@ source "$(dirname "${BASH_SOURCE[0]}")/tree.sh"
 packages=$1 tree_cache=$2
 enter_own_namespace "$@"
 
-readonly names="vantrelctl libkvrxmetadatadictionary1"
+readonly names=(vantrelctl libkvrxmetadatadictionary1)
 
-installed() { in_tree dpkg-query --show --showformat '${db:Status-Status} ${Package} ${Installed-Size}\n'; }
+installed() { in_tree dpkg-query --show --showformat "\${db:Status-Status} \${Package}\n"; }
 
 expect_same() { # what, what it is, what it should be
     [[ $2 == "$3" ]] && return
@@ -20,13 +20,13 @@ expect_same() { # what, what it is, what it should be
 }
 
 debs=()
-for name in $names; do debs+=("$(realpath "$packages/$name"_*.deb)"); done
+for name in "${names[@]}"; do debs+=("$(realpath "$packages/$name"_*.deb)"); done
 make_tree "$(dpkg-deb --field "${debs[0]}" Architecture)" "$(depends_of "${debs[@]}")"
 before=$(installed)
 
 cp "${debs[@]}" "$tree/tmp"
 in_tree apt-get --quiet --yes --no-install-recommends install "${debs[@]/#*\//\/tmp\/}"
-in_tree dpkg --verify $names
+in_tree dpkg --verify "${names[@]}"
 expect_same "what a window needs" "$(installed | grep -E ' (lib(gnustep-gui|x11-6|cairo2|gtk|wayland)|gnustep-back|x11-)' || true)" ""
 in_tree test -s /usr/share/man/man1/vantrelctl.1.gz
 in_tree bash -euc 'source /usr/share/bash-completion/completions/vantrelctl && complete -p vantrelctl'
@@ -41,5 +41,5 @@ rm -r "$tree/home/$editor/GNUstep"
 expect_same "a profile's last line" "$(as_editor vantrelctl apply /tmp/profile | tail -n 1)" "4 changed, 0 unchanged"
 as_editor vantrelctl list
 
-in_tree apt-get --quiet --yes purge $names
+in_tree apt-get --quiet --yes purge "${names[@]}"
 expect_same "the installed packages" "$(installed | grep -v ^not-installed)" "$before"
