@@ -7,6 +7,7 @@ import sys
 import unittest
 from pathlib import Path
 
+from EnablerTest import EnablerTest
 from home import HomeTest
 from UsageTest import COMMANDS
 
@@ -35,7 +36,9 @@ def examples(document):
             yield line[4:], None
 
 
-class Documents(HomeTest):
+class Examples:
+    """Of a test in a home of its own."""
+
     def run_in_shell(self, command):
         folder = os.path.dirname(os.environ["VANTRELCTL"])
         process = subprocess.run(["bash", "-c", command], cwd=self.home, stdout=subprocess.PIPE,
@@ -55,6 +58,8 @@ class Documents(HomeTest):
                 count += 1
         self.assertGreater(count, 0)
 
+
+class Documents(Examples, HomeTest):
     def test_the_readmes_examples_work(self):
         self.expect_examples("README.md")
 
@@ -63,9 +68,6 @@ class Documents(HomeTest):
 
     def test_the_fleets_document_shows_what_it_really_prints(self):
         self.expect_examples("docs/fleet.md")
-
-    def test_the_troubleshootings_examples_work(self):
-        self.expect_examples("docs/troubleshooting.md")
 
     def test_the_settings_documents_examples_store_what_they_say(self):
         self.expect_examples("docs/settings.md")
@@ -82,6 +84,11 @@ class Documents(HomeTest):
         headings = re.findall(r"^### (.*)$", (PROJECT / "docs/command.md").read_text(encoding="utf-8"), re.MULTILINE)
         usages = [self.run_command(command, "--help").out.splitlines()[0] for command in COMMANDS]
         self.assertEqual([f"Usage: vantrelctl {heading}" for heading in headings], usages)
+
+
+class Troubleshooting(Examples, EnablerTest):
+    def test_its_examples_work_where_final_cut_pro_is(self):
+        self.expect_examples("docs/troubleshooting.md")
 
 
 class ManualPage(unittest.TestCase):
