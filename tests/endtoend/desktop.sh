@@ -144,7 +144,7 @@ wait_until_all_sleep() {
         next=$(activity)
         [[ $next == "$last" && $next != *State:?[!S]* ]]
     do
-        ((SECONDS < end)) || fail "the desktop does not come to rest"
+        ((SECONDS < end)) || fail "the desktop does not come to rest:" "$(diff <(echo "$last") <(echo "$next"))"
         last=$next
         sleep 0.1
     done
