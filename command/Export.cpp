@@ -88,7 +88,7 @@ Status exportProfile(Context& context, const Arguments& arguments) {
     for (const auto& setting : context.store.settings()) {
         const Standing standing = context.store.standing(setting);
         if (standing.state != State::stored || (isForDevices && setting.overrideKey())) continue;
-        entries.emplace_back(setting.name(), storedNode(standing.stored));
+        entries.push_back({std::string(setting.name()), storedNode(standing.stored)});
         if (const auto fault = context.store.fault(setting, standing)) {
             log.log(std::string(setting.name()) + ": " + fault->meaning + "; apply refuses a profile with that");
         }

@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -10,13 +9,20 @@
 
 namespace vantrel {
 
+struct Member;
+
 /// A value of a JSON text or of a property list, with the members of its objects in the order in which they are
 /// written.
 struct Node {
     using List = std::vector<Node>;
-    using Members = std::vector<std::pair<std::string, Node>>;
+    using Members = std::vector<Member>;
 
     std::variant<std::nullptr_t, bool, long, double, std::string, List, Members> value;
+};
+
+struct Member {
+    std::string name;
+    Node node;
 };
 
 /// `node` as JSON: on several lines, indented, or on one.

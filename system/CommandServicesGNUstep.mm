@@ -1,4 +1,5 @@
 #import <Foundation/Foundation.h>
+#include <objc/runtime.h>
 
 #include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
 #import "platform/cocoa/CocoaFolders.h"
@@ -10,19 +11,20 @@
 #include "settings/KeyTable.h"
 #include "system/CommandServices.h"
 
-/// Foundation reads a program's own defaults as soon as it reads a property list or makes a time zone. It takes the
-/// same lock for that as the store here, waits for one that a dead process left, and breaks it. A command has no
-/// defaults of its own, and one that only looks must not do so.
-@implementation NSUserDefaults (None)
+namespace vantrel {
+namespace {
 
-+ (NSUserDefaults *)standardUserDefaults {
+id noDefaults(id, SEL) {
     return nil;
 }
 
-@end
-
-namespace vantrel {
-namespace {
+/// Foundation reads a program's own defaults as soon as it reads a property list or makes a time zone. It takes the
+/// same lock for that as the store here, waits for one that a dead process left, and breaks it. A command has no
+/// defaults of its own, and one that only looks must not do so.
+void keepFoundationFromDefaults() {
+    Method method = class_getClassMethod(objc_getClass("NSUserDefaults"), @selector(standardUserDefaults));
+    method_setImplementation(method, reinterpret_cast<IMP>(noDefaults));
+}
 
 Log *programsLog = nullptr;
 
@@ -53,6 +55,7 @@ class HeardNotifications : public Notifications {
 }  // namespace
 
 CommandServices commandServices(Alerts &alerts, Log &log) {
+    keepFoundationFromDefaults();
     // Lives as long as the program.
     [NSAutoreleasePool new];
     programsLog = &log;
