@@ -77,7 +77,7 @@ bool isOn(const NewPreferenceValue& value) {
 }  // namespace
 
 Setting::Setting(const SettingsKey* key, const OverrideKey* overrideKey, std::int32_t threads)
-    : key_(key), overrideKey_(overrideKey), threads_(threads) {
+    : key_(key), overrideKey_(overrideKey), threads_(threads), name_(key ? key->name : overrideKey->name) {
     const bool isPath = key == &pathKey;
     const auto* control = controlAt(overrideKey ? overrideKey->outlet : isPath ? stageKey.outlet : key->outlet);
     if (control) {

@@ -31,7 +31,7 @@ public:
     /// offer.
     Setting(const SettingsKey* key, const OverrideKey* overrideKey, std::int32_t threads);
 
-    std::string_view name() const { return key_ ? key_->name : overrideKey_->name; }
+    std::string_view name() const { return name_; }
     std::string_view title() const { return title_; }
     std::string_view group() const { return group_; }
     Form form() const { return form_; }
@@ -76,6 +76,7 @@ private:
     const SettingsKey* key_;
     const OverrideKey* overrideKey_;
     std::int32_t threads_;
+    std::string_view name_;
     Form form_ = Form::bits;
     std::string_view title_;
     std::string_view group_;

@@ -54,10 +54,12 @@ Status watch(Context& context, const Arguments& arguments) {
             const std::string before = shownText(setting, known[index]);
             const std::string after = shownText(setting, now[index]);
             if (before == after) continue;
+            std::string line = name;
+            line.append(": ").append(before).append(" -> ").append(after);
             tell({{"key", {name}},
                   {"before", storedNode(known[index].stored)},
                   {"after", storedNode(now[index].stored)}},
-                 name + ": " + before + " -> " + after);
+                 line);
         }
         known = std::move(now);
     };

@@ -4,8 +4,6 @@
 
 #import "platform/cocoa/CocoaText.h"
 
-using vantrel::cocoa::toNSString;
-
 namespace {
 
 struct Calls {
