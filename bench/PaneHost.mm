@@ -11,9 +11,9 @@
 // A settings host that opens a pane and measures itself, from the loading of the bundle until its view is drawn in the
 // host's window:
 //
-//     pane_host PANE.prefPane
+//     pane_host --open PANE.prefPane
 //
-// It tells the seconds, those of the processor, and the kilobytes that it shares with no other process. It needs a
+// (A bare file's name would be AppKit's to open.) It tells the seconds, those of the processor, and the kilobytes that it shares with no other process. It needs a
 // display.
 
 namespace {
@@ -130,6 +130,6 @@ namespace {
 }  // namespace
 
 int main(int argc, char **argv) {
-    if (argc != 2) fail("usage: pane_host PANE.prefPane");
-    openAndTell(argv[1]);
+    if (argc != 3 || std::string(argv[1]) != "--open") fail("usage: pane_host --open PANE.prefPane");
+    openAndTell(argv[2]);
 }

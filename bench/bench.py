@@ -86,7 +86,8 @@ class Place:
         with open(answer, encoding="utf-8") as told:
             if status != 0:
                 sys.exit(f"{name} failed: {verb}")
-            return told.read().split(), whole
+            # One line: a service that the process has started may keep the channel open.
+            return told.readline().split(), whole
 
     def sessions(self):
         return {name: Session(self, name) for name in self.programs}
@@ -260,7 +261,8 @@ def compare_stores(programs, rounds, foreign):
 
 def compare_openings(host, bundles, rounds):
     def open_pane(bundle):
-        told = subprocess.run([host, bundle], check=True, text=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        told = subprocess.run([host, "--open", bundle], check=True, text=True, stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, timeout=60)
         # A pane may have something to say on the same channel.
         words = next(line for line in told.stdout.splitlines() if line.startswith("opened ")).split()
         return [float(word) for word in words[1:]]
