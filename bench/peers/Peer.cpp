@@ -5,6 +5,7 @@
 #include <ctime>
 #include <functional>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <sstream>
 
@@ -68,7 +69,8 @@ public:
             bool flag = false;
             std::cout << nanoseconds([&] { flag = readAll(); }) << ' ' << flag;
         } else if (verb == "click") {
-            std::cout << click(number) << ' ' << std::get<bool>(peer_->value(number));
+            std::cout << click(number);
+            std::cout << ' ' << flags_[number];
         } else if (verb == "clicks") {
             int count = 0;
             words >> count;
@@ -99,13 +101,17 @@ private:
     }
 
     long long click(std::size_t index) {
-        const bool flag = !std::get<bool>(opened().value(index));
-        return nanoseconds([&] { peer_->change(index, flag); });
+        const auto shown = flags_.find(index);
+        const bool flag = shown == flags_.end() ? std::get<bool>(opened().value(index)) : shown->second;
+        flags_[index] = !flag;
+        return nanoseconds([&] { peer_->change(index, !flag); });
     }
 
     std::string folder_;
     std::unique_ptr<Peer> peer_;
     bool first_ = false;
+    /// What the flags that are clicked here show.
+    std::map<std::size_t, bool> flags_;
 };
 
 }  // namespace

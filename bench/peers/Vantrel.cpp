@@ -1,12 +1,13 @@
 #include <filesystem>
 #include <fstream>
+#include <optional>
 
 #include "bench/peers/Peer.h"
 #include "platform/Log.h"
 #include "platform/gnustep/GNUstepPreferences.h"
 #include "settings/KeyTable.h"
 
-// Our own store.
+// Our own store, as the pane uses it: the settings are read in one sequence, a click is one of its own.
 
 namespace vantrel::bench {
 namespace {
@@ -18,14 +19,14 @@ public:
 
 class Vantrel : public Peer {
 public:
-    explicit Vantrel(const std::string& folder) : folder_(folder), preferences_(folder, log_) {}
+    explicit Vantrel(const std::string& folder) : folder_(folder), preferences_(folder, log_) { refresh(); }
 
     void fill(const std::vector<Setting>& all) override {
         std::filesystem::create_directories(folder_);
         std::ofstream(folder_ + '/' + std::string(codecApplicationID) + ".plist") << propertyListOf(all);
     }
 
-    void refresh() override {}
+    void refresh() override { sequence_.emplace(preferences_); }
 
     Value value(std::size_t index) override {
         const auto value = preferences_.copyAppValue(settings[index].name, codecApplicationID);
@@ -37,6 +38,7 @@ public:
     }
 
     void change(std::size_t index, bool flag) override {
+        sequence_.reset();
         preferences_.setAppValue(settings[index].name, flag, codecApplicationID);
         require(preferences_.synchronize(codecApplicationID), "synchronize");
     }
@@ -45,6 +47,7 @@ private:
     NoLog log_;
     std::string folder_;
     gnustep::GNUstepPreferences preferences_;
+    std::optional<PreferencesSequence> sequence_;
 };
 
 }  // namespace
