@@ -1,5 +1,6 @@
 #include "bench/peers/Peer.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -126,7 +127,8 @@ std::vector<Setting> settingsAnd(int foreign) {
     return all;
 }
 
-std::string propertyListOf(const std::vector<Setting>& all) {
+std::string propertyListOf(std::vector<Setting> all) {
+    std::sort(all.begin(), all.end(), [](const Setting& one, const Setting& other) { return one.name < other.name; });
     std::string list =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         "<!DOCTYPE plist PUBLIC \"-//GNUstep//DTD plist 0.9//EN\" \"http://www.gnustep.org/plist-0_9.xml\">\n"

@@ -19,8 +19,8 @@ extern const std::vector<Setting> settings;
 /// The same and other programs' settings behind them, as they are in a user's folder.
 std::vector<Setting> settingsAnd(int foreign);
 
-/// The same as an XML property list.
-std::string propertyListOf(const std::vector<Setting>& all);
+/// The same as an XML property list, sorted as GNUstep writes it.
+std::string propertyListOf(std::vector<Setting> all);
 
 /// A store of settings, as a program uses it.
 class Peer {
