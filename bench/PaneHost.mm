@@ -13,8 +13,8 @@
 //
 //     pane_host --open PANE.prefPane
 //
-// (A bare file's name would be AppKit's to open.) It tells the seconds, those of the processor, and the kilobytes that it shares with no other process. It needs a
-// display.
+// (A bare file's name would be AppKit's to open.) It tells the seconds, those of the processor, and the kilobytes that
+// it shares with no other process. It needs a display.
 
 namespace {
 

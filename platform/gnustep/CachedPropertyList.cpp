@@ -50,7 +50,7 @@ CachedPropertyList::State CachedPropertyList::refresh() {
 void CachedPropertyList::wasReplaced(PropertyList list, const struct stat& status,
                                      const posix::FileReplacement& replacement) {
     list_ = std::move(list);
-    becomes(State::readable, list_.bytes());
+    becomes(State::readable, {});
     status_ = status;
     isSettled_ = replacement.isAsMade(status);
 }
@@ -59,7 +59,7 @@ CachedPropertyList::State CachedPropertyList::read() {
     auto bytes = contents();
     if (!bytes) return failed();
     const bool isKnown = state_ == State::readable || state_ == State::damaged;
-    if (isKnown && *bytes == bytes_) return state_;
+    if (isKnown && *bytes == held()) return state_;
     auto list = PropertyList::parse(*bytes);
     if (!list) {
         calls_.nanosleep(rewritingTime);
@@ -74,6 +74,7 @@ CachedPropertyList::State CachedPropertyList::read() {
         return failed();
     }
     list_ = std::move(*list);
+    if (*bytes == list_.bytes()) bytes->clear();
     return becomes(State::readable, std::move(*bytes));
 }
 
@@ -105,8 +106,13 @@ CachedPropertyList::State CachedPropertyList::failed() {
     return becomes(State::unreadable, {});
 }
 
+const std::string& CachedPropertyList::held() const {
+    return state_ == State::readable && bytes_.empty() ? list_.bytes() : bytes_;
+}
+
+/// A list that is `readable` is another one than before.
 CachedPropertyList::State CachedPropertyList::becomes(State state, std::string bytes) {
-    if (state != state_ || bytes != bytes_) ++revision_;
+    if (state == State::readable || state != state_ || bytes != bytes_) ++revision_;
     state_ = state;
     bytes_ = std::move(bytes);
     return state_;

@@ -51,13 +51,16 @@ private:
     std::optional<std::string> contents();
     State becomes(State state, std::string bytes);
     State failed();
+    /// What the file holds.
+    const std::string& held() const;
 
     posix::SystemCalls& calls_;
     std::string path_;
     State state_ = State::missing;
     int error_ = 0;
     PropertyList list_;
-    /// What the file holds, damaged or not, if it can be read.
+    /// What the file holds, damaged or not, if it can be read. Empty for one that holds just the list's bytes: a large
+    /// one is kept once.
     std::string bytes_;
     unsigned long revision_ = 0;
     struct stat status_ {};
