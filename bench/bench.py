@@ -178,6 +178,8 @@ def reads_again(place, rounds, later, after_a_write=True):
     times = in_rounds(readers, rounds, read)
     end(readers)
     end(writers)
+    if OURS in stale:
+        sys.exit("We have read an old value.")
     return {name: [] if name in stale else times[name] for name in times}
 
 
