@@ -67,9 +67,9 @@ private:
         auto bytes = posix::contentsOf(calls_, file_.number(), largestRecord);
         if (!bytes) return std::nullopt;
         if (bytes->empty()) return PropertyList();
-        auto list = PropertyList::parse(std::move(*bytes));
+        auto list = bytes->size() > largestRecord ? std::nullopt : PropertyList::parse(*bytes);
         // A binary list can be many times longer once it is written out.
-        const bool isTooLong = list && list->bytes().size() > largestRecord;
+        const bool isTooLong = (list ? list->bytes() : *bytes).size() > largestRecord;
         if (isTooLong) list.reset();
         if (!list) errno = isTooLong ? EOVERFLOW : EBADMSG;
         return list;

@@ -1,6 +1,5 @@
 #include "platform/gnustep/CachedPropertyList.h"
 
-#include <array>
 #include <cerrno>
 #include <optional>
 #include <utility>
@@ -86,14 +85,8 @@ std::optional<std::string> CachedPropertyList::contents() {
     struct stat status {};
     const posix::Descriptor file(calls_, posix::openToRead(calls_, path_, status));
     if (!file.isOpen()) return std::nullopt;
-    std::string bytes;
-    while (bytes.size() <= largestPropertyList) {
-        std::array<char, 16384> buffer;
-        const ssize_t got = posix::readOnce(calls_, file.number(), buffer.data(), buffer.size());
-        if (got < 0) return std::nullopt;
-        if (got == 0) break;
-        bytes.append(buffer.data(), static_cast<std::size_t>(got));
-    }
+    auto bytes = posix::contentsOf(calls_, file.number(), largestPropertyList);
+    if (!bytes) return std::nullopt;
     status_ = status;
     isSettled_ = clockIsKnown && isSettledAt(now, status);
     return bytes;

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cerrno>
+#include <utility>
 
 #include "platform/posix/Descriptor.h"
 
@@ -49,22 +50,21 @@ int openToRead(SystemCalls& calls, const std::string& path, struct stat& status,
 std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, std::size_t mostBytes) {
     // Read to the end rather than for the length that was told: the files of the kernel tell none.
     std::string contents;
-    std::array<char, 16384> buffer;
-    while (true) {
+    while (contents.size() <= mostBytes) {
+        std::array<char, 16384> buffer;
         const ssize_t got = readOnce(calls, descriptor, buffer.data(), buffer.size());
         if (got < 0) return std::nullopt;
-        if (got == 0) return contents;
+        if (got == 0) break;
         contents.append(buffer.data(), static_cast<std::size_t>(got));
-        if (contents.size() > mostBytes) break;
     }
-    errno = EOVERFLOW;
-    return std::nullopt;
+    return contents;
 }
 
 std::optional<std::string> contentsOfFile(SystemCalls& calls, const std::string& path, std::size_t mostBytes) {
     struct stat status {};
     const Descriptor file(calls, openToRead(calls, path, status));
-    return file.isOpen() ? contentsOf(calls, file.number(), mostBytes) : std::nullopt;
+    auto contents = file.isOpen() ? contentsOf(calls, file.number(), mostBytes) : std::nullopt;
+    return contents && contents->size() <= mostBytes ? std::move(contents) : std::nullopt;
 }
 
 bool isUnchanged(const struct stat& before, const struct stat& now) {

@@ -18,8 +18,8 @@ int writeAll(SystemCalls& calls, int descriptor, const char* bytes, std::size_t 
 /// anything else that is not a file: a pipe, which could keep us waiting, or a device. `status` is told about the file.
 int openToRead(SystemCalls& calls, const std::string& path, struct stat& status, int flags = 0);
 
-/// What is left to read of an open file. Nothing, and `errno`, when it can't be read or is longer than `mostBytes`
-/// (EOVERFLOW).
+/// What is left to read of an open file; of one that is longer than `mostBytes`, only so much that this shows. Nothing,
+/// and `errno`, when it can't be read.
 std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, std::size_t mostBytes);
 
 /// What is in the file at `path`. Nothing when it is missing, can't be read, isn't a file, or is longer than
