@@ -13,7 +13,7 @@ namespace {
 
 class Floor : public Peer {
 public:
-    explicit Floor(const std::string& folder) : folder_(folder), file_(folder + "/floor") { refresh(); }
+    explicit Floor(const std::string& folder) : folder_(folder), file_(folder + "/floor") { Floor::refresh(); }
 
     void fill(const std::vector<Setting>& all) override {
         bytes_ = propertyListOf(all);

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <utility>
 
 #include "bench/peers/Peer.h"
 #include "platform/Log.h"
@@ -19,7 +20,8 @@ public:
 
 class Vantrel : public Peer {
 public:
-    explicit Vantrel(const std::string& folder) : folder_(folder), preferences_(folder, log_) { refresh(); }
+    explicit Vantrel(const std::string& folder)
+        : folder_(folder), preferences_(folder, log_), sequence_(std::in_place, preferences_) {}
 
     void fill(const std::vector<Setting>& all) override {
         std::filesystem::create_directories(folder_);
