@@ -90,9 +90,11 @@ Store::Store(const Services& services)
 Standing Store::standing(const Setting& setting) {
     if (const auto* overrideKey = setting.overrideKey()) {
         const auto loaded = services_.overrides.load();
-        const auto number = loaded ? loaded->number(*overrideKey) : std::nullopt;
-        if (!number) return {Absent{}, State::missing, setting.setUpDefault()};
-        return {Number{*number}, State::stored, long{*number}};
+        const PreferenceValue stored = loaded ? loaded->stored(*overrideKey) : Absent{};
+        if (std::holds_alternative<Absent>(stored)) return {stored, State::missing, setting.setUpDefault()};
+        const auto number = loaded->number(*overrideKey);
+        return {stored, std::holds_alternative<Number>(stored) ? State::stored : State::mistyped,
+                number ? NewPreferenceValue(long{*number}) : setting.setUpDefault()};
     }
     const auto& key = *setting.key();
     const PreferenceValue stored = services_.preferences.copyAppValue(key.name, codecApplicationID);
@@ -145,8 +147,10 @@ std::string Store::disagreement(const Wish& wish) {
 std::optional<Fault> Store::fault(const Setting& setting, const Standing& standing) {
     const std::string shown = onOneLine(setting.shown(standing.value));
     if (standing.state == State::mistyped) {
-        return Fault{"mistyped", onOneLine(storedText(standing.stored)) + " is no " + std::string(setting.type()) +
-                                     ", so it counts as missing and the pane shows " + shown};
+        return Fault{"mistyped",
+                     onOneLine(storedText(standing.stored)) + " is no " + std::string(setting.type()) +
+                         (setting.key() ? ", so it counts as missing and the pane shows " : ", and the pane shows ") +
+                         shown};
     }
     const auto stored = plain(standing.stored);
     if (standing.state == State::missing || !stored) return std::nullopt;

@@ -37,6 +37,13 @@ class LoadedInstance : public LoadedOverrides {
         return [object intValue];
     }
 
+    PreferenceValue stored(const OverrideKey &key) override {
+        id object = [[instance_ metadata] objectForKey:toNSString(key.name)];
+        if (!object) return Absent{};
+        if ([object isKindOfClass:[NSNumber class]]) return Number{[object intValue]};
+        return [object isKindOfClass:[NSString class]] ? PreferenceValue(cocoa::toUTF8(object)) : OtherType{};
+    }
+
    private:
     Instance instance_;
 };

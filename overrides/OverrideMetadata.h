@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/Preferences.h"
+
 namespace vantrel {
 
 /// How a number gets into the override metadata before that is written. Both ways end in the same record; every library
@@ -39,6 +41,9 @@ public:
 
     /// The number under a key, as `intValue` gives it; nothing when there is none.
     virtual std::optional<std::int32_t> number(const OverrideKey& key) = 0;
+
+    /// What stands under a key, of which `number` may make one even where it is a text.
+    virtual PreferenceValue stored(const OverrideKey& key) = 0;
 };
 
 /// The codec's override metadata: a record of numbers that the codec's programs share, which changes through `write`

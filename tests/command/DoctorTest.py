@@ -99,6 +99,12 @@ class Doctor(HomeTest):
         self.write_domain({**COMPLETE, "MaxEncodeThreads": cores()})
         self.expect_finding("MaxEncodeThreads", "outside", f"vantrelctl set MaxEncodeThreads {cores()}")
 
+    def test_a_mistyped_override(self):
+        for value, shown in (("1", "1"), ("some", "all"), ([], "all")):
+            self.write_record({"CPUM": value})
+            self.expect_finding("CPUM", "mistyped", f"vantrelctl set CPUM {shown}")
+            self.assertEqual(self.record(), {"CPUM": 0 if shown == "all" else 1})
+
     def test_an_override_outside_its_menu(self):
         self.write_record({"CPUM": cores() + 1})
         self.expect_finding("CPUM", "outside", "vantrelctl set CPUM all")

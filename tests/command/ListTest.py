@@ -92,6 +92,13 @@ class ListAsJSON(HomeTest):
                              (stored, value, "mistyped"))
         self.assertIs(settings["LUTsPath"]["stored"], True)
 
+    def test_so_is_a_mistyped_override(self):
+        self.write_record({"CLSF": "1", "CPUM": []})
+        settings = self.listed()
+        self.assertEqual((settings["CLSF"]["stored"], settings["CLSF"]["value"], settings["CLSF"]["state"]),
+                         ("1", True, "mistyped"))
+        self.assertEqual((settings["CPUM"]["value"], settings["CPUM"]["state"]), ("all", "mistyped"))
+
     def test_titles_and_groups_are_the_panes(self):
         settings = self.listed()
         self.assertEqual((settings["CPUM"]["title"], settings["CPUM"]["group"]),

@@ -47,6 +47,11 @@ private:
             return found == entries_.end() ? std::nullopt : std::optional(found->second);
         }
 
+        PreferenceValue stored(const OverrideKey& key) override {
+            const auto number = this->number(key);
+            return number ? PreferenceValue(Number{*number}) : Absent{};
+        }
+
     private:
         MemoryOverrides& owner_;
         Entries entries_;

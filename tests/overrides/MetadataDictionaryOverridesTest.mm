@@ -5,6 +5,7 @@
 
 #import "overrides/InstalledMetadataDictionary.h"
 #import "overrides/KVRXMetadataDictionary/MetadataDictionary.h"
+#include "platform/memory/MemoryPreferences.h"
 #import "tests/overrides/RecordingDictionary.h"
 
 namespace vantrel {
@@ -53,6 +54,16 @@ TEST_F(MetadataDictionaryOverridesTest, ANumberIsWhatIntValueMakesOfIt) {
         EXPECT_EQ(overrides.load()->number(overrideKeys::decodeThreads), value.number)
             << [[value.object description] UTF8String];
     }
+}
+
+TEST_F(MetadataDictionaryOverridesTest, WhatIsStoredKeepsItsType) {
+    const std::pair<id, std::string> values[] = {
+        {[NSNumber numberWithInt:2], "2"}, {@"12", "\"12\""}, {[NSArray array], "other type"}};
+    for (const auto &[object, described] : values) {
+        recorded::set(@"CPUM", object);
+        EXPECT_EQ(memory::describeStored(overrides.load()->stored(overrideKeys::decodeThreads)), described);
+    }
+    EXPECT_EQ(memory::describeStored(overrides.load()->stored(overrideKeys::chromaFilter)), "absent");
 }
 
 TEST_F(MetadataDictionaryOverridesTest, ANumberThatGoesThroughTheDictionaryIsHandedBackInIt) {
