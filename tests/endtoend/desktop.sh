@@ -35,15 +35,23 @@ fail() {
     exit 1
 }
 
-# Runs a command again and again until it succeeds; after `patience` `what` is told and the script ends.
+# Runs a command again and again until it succeeds; after `patience` `what` is told and the script ends. Once a second the
+# host is stirred.
 wait_until() { # what, command and its arguments
-    local what=$1 end=$((SECONDS + patience))
+    local what=$1 end=$((SECONDS + patience)) tries=0
     shift
     until "$@"; do
         ((SECONDS < end)) || fail "waited in vain for $what"
+        ((++tries % 20)) || [[ -z ${host_process:-} ]] || stir
         sleep 0.05
     done
 }
+
+# What the host is sent while it draws can lie in its queue until something else happens: the pointer moves by a point.
+stir() {
+    xdotool mousemove_relative -- $((direction = -direction)) 0
+}
+direction=-1
 
 start_desktop() {
     scratch=$(mktemp -d "${TMPDIR:-/tmp}/vantrel.XXXXXX")
@@ -128,14 +136,12 @@ measure() { # window
     done < <(xwininfo -id "$1")
 }
 
-# Waits until everything has been done and drawn, on however busy a machine. What the host is sent while it draws can lie
-# in its queue until something else happens, so the pointer moves by a point in between.
+# Waits until everything has been done and drawn, on however busy a machine.
 settle() {
     wait_until_all_sleep
-    xdotool mousemove_relative -- $((stir = -stir)) 0
+    stir
     wait_until_all_sleep
 }
-stir=-1
 
 # Waits until each of the desktop's threads has slept for a tenth of a second.
 wait_until_all_sleep() {
