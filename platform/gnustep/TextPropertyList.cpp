@@ -3,6 +3,7 @@
 #include <libxml/xmlstring.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "platform/gnustep/PropertyList.h"
 #include "platform/gnustep/XMLText.h"
@@ -60,6 +61,14 @@ std::string readQuoted(std::string_view quoted) {
         }
     }
     return text;
+}
+
+/// libxml2 looks as far as the first zero.
+bool isUTF8(const std::string& text) {
+    for (std::size_t at = 0; at <= text.size(); at += std::strlen(text.c_str() + at) + 1) {
+        if (xmlCheckUTF8(reinterpret_cast<const xmlChar*>(text.c_str() + at)) == 0) return false;
+    }
+    return true;
 }
 
 /// Walks a list and writes what it comes by.
@@ -209,7 +218,7 @@ bool isTextPropertyList(std::string_view bytes) {
 }
 
 std::string xmlFromTextPropertyList(const std::string& text) {
-    return xmlCheckUTF8(reinterpret_cast<const xmlChar*>(text.c_str())) != 0 ? Walk(text).toXML() : std::string();
+    return isUTF8(text) ? Walk(text).toXML() : std::string();
 }
 
 }  // namespace vantrel::gnustep

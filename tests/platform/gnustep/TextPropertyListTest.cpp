@@ -64,7 +64,7 @@ TEST(TextPropertyList, EscapesAreRead) {
     EXPECT_EQ(readOfText(R"("\\U0041")"), "text \"\\U0041\"");
     EXPECT_EQ(readOfText("\"\\é\""), "text \"é\"");
     EXPECT_EQ(readOfText(R"("\UDE00\UD83D")"), "text \"\xED\xB8\x80\xED\xA0\xBD\"");
-    for (const auto* value : {"\"\xE9\"", "\"a", "\"a\\"}) {
+    for (const auto& value : {"\"\xE9\""s, "\"\0\xE9\""s, "\"a"s, "\"a\\"s}) {
         EXPECT_EQ(readOfText(value), "damaged") << value;
     }
 }
