@@ -140,7 +140,7 @@ std::string listThatGrowsWhenItIsRead() {
     begin();
     bytes += "\x5F\x10\x40" + std::string(64, 'x');
     const auto table = bytes.size();
-    const auto eightBytes = [](std::size_t number) {
+    const auto eightBytes = [](std::uint64_t number) {
         std::string text;
         for (unsigned shift = 64; shift > 0; shift -= 8) text += static_cast<char>((number >> (shift - 8)) & 0xFFU);
         return text;
