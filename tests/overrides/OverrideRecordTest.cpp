@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdint>
+
 #include "overrides/KVRXMetadataDictionary/OverrideRecord.h"
 #include "platform/memory/MemorySystem.h"
 #include "tests/platform/posix/DiskWithPowerCuts.h"
