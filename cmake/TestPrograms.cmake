@@ -3,8 +3,6 @@
 add_library(test_main STATIC ${gmock_SOURCE_DIR}/src/gmock_main.cc)
 target_link_libraries(test_main PUBLIC GTest::gmock)
 target_precompile_headers(test_main PRIVATE <gmock/gmock.h>)
-# As platform/posix/ wants it: with another length of file offsets the headers wouldn't do there.
-target_compile_definitions(test_main PUBLIC _FILE_OFFSET_BITS=64)
 set_target_properties(test_main PROPERTIES POSITION_INDEPENDENT_CODE OFF)
 
 # add_test_program(name): makes an executable a test of CTest, all of its GoogleTest tests together: a process for each
