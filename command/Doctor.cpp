@@ -117,6 +117,7 @@ Node nodeOf(const Finding& finding) {
 
 Status doctor(Context& context, const Arguments& arguments) {
     std::vector<Finding> findings;
+    const PreferencesSequence sequence(context.system.services.preferences);
     for (const auto& setting : context.store.settings()) examineSetting(setting, context.store, findings);
     examineEnabler(context.store, findings);
     examineFiles(context.system.inspection, findings);

@@ -85,6 +85,7 @@ Status exportProfile(Context& context, const Arguments& arguments) {
         log.log("CLSF and CPUM are left out: a configuration profile doesn't reach the override metadata");
     }
     Node::Members entries;
+    const PreferencesSequence sequence(context.system.services.preferences);
     for (const auto& setting : context.store.settings()) {
         const Standing standing = context.store.standing(setting);
         if (standing.state != State::stored || (isForDevices && setting.overrideKey())) continue;

@@ -76,6 +76,7 @@ Status list(Context& context, const Arguments& arguments) {
         if (!rows.empty()) print(group, rows, context.isColorful);
         rows.clear();
     };
+    const PreferencesSequence sequence(context.system.services.preferences);
     for (const auto& setting : context.store.settings()) {
         const Standing standing = context.store.standing(setting);
         if (arguments.json) {

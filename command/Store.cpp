@@ -108,6 +108,7 @@ std::vector<Change> Store::changes(const std::vector<Wish>& wishes) {
     const bool isPathWished =
         std::any_of(wishes.begin(), wishes.end(), [](const Wish& wish) { return isFor(*wish.setting, pathKey); });
     std::vector<Change> changes;
+    const PreferencesSequence sequence(services_.preferences);
     for (const auto& wish : wishes) {
         const auto& setting = *wish.setting;
         const auto isNamed = [&](const Change& change) { return change.setting == &setting; };

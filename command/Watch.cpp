@@ -23,16 +23,16 @@ std::string universalTime() {
     return text.data() + thousandths.substr(1) + 'Z';
 }
 
-std::vector<Standing> standings(Store& store) {
+std::vector<Standing> standings(Context& context) {
+    const PreferencesSequence sequence(context.system.services.preferences);
     std::vector<Standing> all;
-    for (const auto& setting : store.settings()) all.push_back(store.standing(setting));
+    for (const auto& setting : context.store.settings()) all.push_back(context.store.standing(setting));
     return all;
 }
 
 }  // namespace
 
 Status watch(Context& context, const Arguments& arguments) {
-    auto& store = context.store;
     std::vector<Standing> known;
     const auto tell = [&](const Node::Members& members, const std::string& line) {
         const std::string time = universalTime();
@@ -47,9 +47,9 @@ Status watch(Context& context, const Arguments& arguments) {
         if (!std::cout.flush()) std::exit(static_cast<int>(Status::failed));
     };
     const auto changed = [&] {
-        auto now = standings(store);
+        auto now = standings(context);
         for (std::size_t index = 0; index < known.size(); ++index) {
-            const Setting& setting = store.settings()[index];
+            const Setting& setting = context.store.settings()[index];
             const std::string name(setting.name());
             const std::string before = shownText(setting, known[index]);
             const std::string after = shownText(setting, now[index]);
