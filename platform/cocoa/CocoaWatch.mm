@@ -47,7 +47,7 @@ struct Calls {
 namespace vantrel::cocoa {
 
 void CocoaWatch::run(const Reactions &reactions) {
-    const ChangeEvents events = begin_();
+    ChangeEvents events;
     const auto changed = [&] {
         events.acknowledge();
         reactions.changed();
@@ -65,6 +65,7 @@ void CocoaWatch::run(const Reactions &reactions) {
         // GNUstep raises where it can't have the daemon that carries notifications; g++ can't catch that by its class.
         log_.log(reactions.name + " can't be heard: there is no daemon for notifications");
     }
+    events = begin_();
     changed();
     if (events.descriptor >= 0) {
         NSFileHandle *handle = [[NSFileHandle alloc] initWithFileDescriptor:events.descriptor closeOnDealloc:NO];

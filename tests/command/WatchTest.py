@@ -19,7 +19,7 @@ class Watch(HomeTest):
         self.watching = self.start("watch", *words, **options)
         self.addCleanup(self.end_watching)
         self.said = b""
-        # It looks for the first time when it watches; from then on it waits.
+        # It asks for notifications, then for events of files, and looks for the first time; from then on it waits.
         end = time.monotonic() + PATIENCE
         while not self.is_waiting():
             self.assertLess(time.monotonic(), end, "it doesn't come to wait")
