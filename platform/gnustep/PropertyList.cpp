@@ -258,7 +258,7 @@ PropertyList::Entry PropertyList::addTo(std::string& added, std::string_view key
     added += "<key>";
     appendText(added, key);
     added += "</key>";
-    setName(entry, key, std::string_view(added).substr(entry.start), names_);
+    setName(entry, std::string_view(added).substr(entry.start), names_);
     added += "\n\t";
     entry.value = static_cast<std::uint32_t>(added.size());
     added += element;

@@ -1,9 +1,6 @@
 #include "platform/gnustep/TextPropertyList.h"
 
-#include <libxml/xmlstring.h>
-
 #include <algorithm>
-#include <cstring>
 
 #include "platform/gnustep/PropertyList.h"
 #include "platform/gnustep/XMLText.h"
@@ -63,10 +60,11 @@ std::string readQuoted(std::string_view quoted) {
     return text;
 }
 
-/// libxml2 looks as far as the first zero.
-bool isUTF8(const std::string& text) {
-    for (std::size_t at = 0; at <= text.size(); at += std::strlen(text.c_str() + at) + 1) {
-        if (xmlCheckUTF8(reinterpret_cast<const xmlChar*>(text.c_str() + at)) == 0) return false;
+bool isUTF8(std::string_view text) {
+    while (!text.empty()) {
+        const auto character = text::firstOf(text);
+        if (character.isDamage()) return false;
+        text.remove_prefix(character.length);
     }
     return true;
 }

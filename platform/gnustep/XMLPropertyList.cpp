@@ -1,17 +1,18 @@
 #include "platform/gnustep/XMLPropertyList.h"
 
 #include <iconv.h>
-#include <libxml/parserInternals.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstdint>
 #include <memory>
 #include <utility>
 
 #include "platform/gnustep/PropertyList.h"
 #include "platform/gnustep/XMLText.h"
+#include "platform/text/UTF16.h"
 
 namespace vantrel::gnustep {
 namespace {
@@ -20,242 +21,291 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// A `<plist>` with its version has 21 bytes, Apple's document type 110.
-constexpr std::size_t longestTag = 1024;
+constexpr std::array<std::string_view, 7> scalars{"string", "integer", "true", "false", "real", "data", "date"};
 
-/// How long a key may be, and all keys together that aren't written as they are. Nobody has megabytes of them.
-constexpr std::size_t mostNames = largestPropertyList / 4;
-
-/// As many warnings of libxml2 as don't matter. Each costs it as much as a hundred tags.
-constexpr int mostWarnings = 100;
-
-const char* plainCharacters(const xmlChar* text) {
-    return reinterpret_cast<const char*>(text);
+bool isSpace(char character) {
+    return character == ' ' || character == '\n' || character == '\t' || character == '\r';
 }
 
-/// Where the tag that starts at `start` ends; npos when it doesn't, or is too long.
-std::size_t endOfTag(std::string_view xml, std::size_t start) {
-    char quote = '\0';
-    const auto limit = std::min(xml.size(), start + longestTag);
-    for (auto at = start + 1; at < limit && xml[at] != '<'; ++at) {
-        if (xml[at] > '>') continue;
-        if (quote == '\0' && xml[at] == '>') return at;
-        if (quote == '\0' && (xml[at] == '"' || xml[at] == '\'')) {
-            quote = xml[at];
-        } else if (xml[at] == quote) {
-            quote = '\0';
-        }
+/// More than XML allows, but nothing that ends a name.
+bool isInName(char character) {
+    return !isSpace(character) && "<>/=?!&'\"[]"sv.find(character) == std::string_view::npos;
+}
+
+/// Whether `text` is UTF-8 and has only what XML can hold.
+bool isXML(std::string_view text) {
+    while (!text.empty()) {
+        const auto character = text::firstOf(text);
+        if (character.isDamage() || !isXMLCharacter(character.number)) return false;
+        text.remove_prefix(character.length);
+        while (!text.empty() && text.front() >= ' ' && text.front() <= '~') text.remove_prefix(1);
     }
-    return std::string_view::npos;
+    return true;
 }
 
-/// How many keys there are at most, looked up before libxml2 sees any of them: it compares the attributes and the name
-/// spaces of a tag in pairs, and walks along all catalogues that a list names for each one more. Nothing when the XML
-/// would have it do so for long.
-std::optional<std::size_t> keysIn(std::string_view xml) {
-    std::size_t keys = 0;
-    for (auto at = xml.find('<'); at != std::string_view::npos; at = xml.find('<', at)) {
-        const auto rest = xml.substr(at);
-        if (rest.starts_with("<!--")) {
-            at = xml.find("-->", at + 4);
-        } else if (rest.starts_with("<![CDATA[")) {
-            at = xml.find("]]>", at);
-        } else if (rest.starts_with("<?")) {
-            at = rest.starts_with("<?oasis-xml-catalog") ? std::string_view::npos : xml.find("?>", at);
-        } else {
-            keys += rest.starts_with("<key") ? 1 : 0;
-            at = endOfTag(xml, at);
-        }
-        if (at == std::string_view::npos) return std::nullopt;
-    }
-    return keys;
+/// What stands between the tags of `element`.
+std::string_view contentOf(std::string_view element) {
+    const auto start = element.find('>') + 1;
+    return element.substr(start, std::max(element.rfind('<'), start) - start);
 }
 
-enum class Kind { list, dictionary, array, key, scalar };
-
-std::optional<Kind> kindOf(std::string_view name) {
-    constexpr std::array<std::string_view, 7> scalars{"string", "integer", "true", "false", "real", "data", "date"};
-    if (name == "key") return Kind::key;
-    if (std::find(scalars.begin(), scalars.end(), name) != scalars.end()) return Kind::scalar;
-    if (name == "dict") return Kind::dictionary;
-    if (name == "array") return Kind::array;
-    return name == "plist" ? std::optional(Kind::list) : std::nullopt;
+/// Whether `content` means just its own characters.
+bool isPlain(std::string_view content) {
+    const auto isPlain = [](char character) {
+        return character != '&' && character != '<' && character != '\r' && character != '\\';
+    };
+    return std::all_of(content.begin(), content.end(), isPlain);
 }
 
-bool isContainer(Kind kind) {
-    return kind == Kind::dictionary || kind == Kind::array;
-}
-
-/// Follows libxml2 through a list, and notes where it stands.
+/// Walks along XML. What is taken is sound; what is not sound stays, and nothing that comes next is the like of it.
 class Reader {
 public:
-    /// More white space around the list than 10 MB libxml2 takes for an attack.
-    explicit Reader(std::string_view xml)
-        : xml_(xml),
-          list_(trimmed(xml)),
-          context_(xmlCreateMemoryParserCtxt(list_.data(), static_cast<int>(list_.size())), xmlFreeParserCtxt) {
-        if (!context_) return;
-        *context_->sax = handler();
-        context_->userData = this;
-        xmlCtxtUseOptions(context_.get(), XML_PARSE_NONET | XML_PARSE_IGNORE_ENC);
+    explicit Reader(std::string_view xml) : xml_(xml), rest_(xml) {}
+
+    std::optional<XMLPropertyList> list() {
+        if (!isXML(xml_)) return std::nullopt;
+        std::size_t keys = 0;
+        for (auto at = xml_.find("<key"); at != std::string_view::npos; at = xml_.find("<key", at + 1)) ++keys;
+        found_.entries.reserve(keys);
+        return takeList() ? std::optional(std::move(found_)) : std::nullopt;
     }
 
-    std::optional<XMLPropertyList> read() {
-        // What starts otherwise may be in an encoding that only libxml2 knows.
-        const bool isXML = list_.starts_with('<') || list_.starts_with(byteOrderMark);
-        const auto keys = keysIn(list_);
-        if (!isXML || !keys || !context_) return std::nullopt;
-        found_.entries.reserve(*keys);
-        xmlParseDocument(context_.get());
-        const bool isWhole =
-            isSound_ && context_->wellFormed != 0 && xmlByteConsumed(context_.get()) == static_cast<long>(list_.size());
-        return isWhole ? std::optional(std::move(found_)) : std::nullopt;
+    /// Of a text that was found sound before: what it means.
+    std::string text() {
+        std::string meaning;
+        meaning.reserve(xml_.size());
+        takeText(&meaning);
+        return meaning;
     }
 
 private:
-    struct Element {
-        Kind kind;
-        /// Whether it must not end yet: a dictionary after a key, a list without its dictionary.
-        bool expectsValue;
-    };
-
-    static xmlSAXHandler handler() {
-        xmlSAXHandler handler{};
-        handler.initialized = XML_SAX2_MAGIC;
-        handler.internalSubset = [](void* reader, const xmlChar*, const xmlChar*, const xmlChar*) {
-            of(reader).require(*of(reader).context_->input->cur != '[');
-        };
-        handler.reference = [](void* reader, const xmlChar*) { of(reader).require(false); };
-        handler.startElementNs = [](void* reader, const xmlChar* name, const xmlChar* prefix, const xmlChar*,
-                                    int namespaces, const xmlChar**, int attributes, int, const xmlChar**) {
-            of(reader).startElement(plainCharacters(name), !prefix && namespaces == 0 && attributes == 0);
-        };
-        handler.endElementNs = [](void* reader, const xmlChar*, const xmlChar*, const xmlChar*) {
-            of(reader).endElement();
-        };
-        handler.characters = [](void* reader, const xmlChar* text, int length) {
-            of(reader).takeText({plainCharacters(text), static_cast<std::size_t>(length)});
-        };
-        handler.ignorableWhitespace = handler.characters;
-        handler.cdataBlock = handler.characters;
-        // Left to itself, libxml2 reads on behind an error, and prints it.
-        handler.serror = [](void* reader, xmlErrorPtr error) {
-            of(reader).require(error->level != XML_ERR_FATAL && ++of(reader).warnings_ <= mostWarnings);
-        };
-        return handler;
+    bool takeList() {
+        skipSpace();
+        take(byteOrderMark);
+        // The XML declaration, unless it is another instruction whose name starts like it.
+        const auto start = rest_;
+        if (take("<?xml") && !(takeAttributes() && take("?>"))) rest_ = start;
+        skipAround();
+        if (!takeDocumentType()) return false;
+        skipAround();
+        const bool hasFrame = take("<plist");
+        if (hasFrame && (!takeAttributes() || !take(">"))) return false;
+        skipAround();
+        if (!takeTop()) return false;
+        skipAround();
+        if (hasFrame && !takeEndTag("plist")) return false;
+        skipAround();
+        return rest_.empty();
     }
 
-    static Reader& of(void* reader) { return *static_cast<Reader*>(reader); }
-
-    void require(bool isSound) {
-        if (isSound) return;
-        isSound_ = false;
-        xmlStopParser(context_.get());
+    /// One with declarations of its own is not taken.
+    bool takeDocumentType() {
+        if (!take("<!DOCTYPE")) return true;
+        if (!skipSpace() || !takeName()) return false;
+        skipSpace();
+        const int literals = take("PUBLIC") ? 2 : take("SYSTEM") ? 1 : 0;
+        for (int taken = 0; taken < literals; ++taken) {
+            if (!skipSpace() || !takeLiteral()) return false;
+        }
+        skipSpace();
+        return take(">");
     }
 
-    /// libxml2 stands at the end of the tag.
-    void startElement(std::string_view name, bool isPlain) {
-        const auto kind = kindOf(name);
-        require(kind && (isPlain || kind == Kind::list) && fits(*kind));
-        if (!isSound_) return;
-        name_.clear();
-        if (isInTop()) (kind == Kind::key ? entry_.start : entry_.value) = tagBefore(position());
-        if (!open_.empty()) open_.back().expectsValue = kind == Kind::key;
-        open_.push_back({*kind, kind == Kind::list});
+    bool takeTop() {
+        const auto start = position();
+        if (!rest_.starts_with("<dict") || !takeValue(0)) return false;
+        found_.dictionaryEnd = static_cast<std::uint32_t>(xml_.rfind('<', position() - 1));
+        found_.isOneTag = found_.dictionaryEnd == start;
+        return true;
     }
 
-    bool fits(Kind kind) const {
-        if (open_.empty()) return kind == Kind::list || kind == Kind::dictionary;
-        const auto& [parent, expectsValue] = open_.back();
-        if (parent == Kind::list) return kind == Kind::dictionary && expectsValue;
-        if (parent == Kind::dictionary && !expectsValue) return kind == Kind::key;
-        if (!isContainer(parent) || kind == Kind::key || kind == Kind::list) return false;
-        return kind == Kind::scalar || open_.size() - around() <= deepestNesting;
+    /// `depth` is how many containers stand around it.
+    bool takeValue(std::size_t depth) {
+        if (!take("<")) return false;
+        const auto name = takeWhile([](char character) { return character >= 'a' && character <= 'z'; });
+        if (std::find(scalars.begin(), scalars.end(), name) != scalars.end()) {
+            return takeElement(name, [this] { return takeText(); });
+        }
+        if (depth > deepestNesting) return false;
+        if (name == "array") return takeElement(name, [=, this] { return takeItems(depth + 1); });
+        return name == "dict" && takeElement(name, [=, this] { return takeEntries(depth + 1); });
     }
 
-    /// libxml2 stands behind the tag.
-    void endElement() {
-        const Element ended = open_.back();
-        open_.pop_back();
-        if (ended.expectsValue) return require(false);
-        if (isInTop() && ended.kind == Kind::key) {
-            setName(entry_, withEscapesRead(name_), xml_.substr(entry_.start, position() - entry_.start), found_.names);
-        } else if (isInTop()) {
-            entry_.end = position();
-            found_.entries.push_back(entry_);
-        } else if (ended.kind == Kind::dictionary && open_.size() == around()) {
-            found_.dictionaryEnd = tagBefore(position() - 1);
-            found_.isOneTag = xml_[found_.dictionaryEnd + 1] != '/';
+    bool takeItems(std::size_t depth) {
+        for (skipAround(); !rest_.starts_with("</"); skipAround()) {
+            if (!takeValue(depth)) return false;
+        }
+        return true;
+    }
+
+    bool takeEntries(std::size_t depth) {
+        for (skipAround(); !rest_.starts_with("</"); skipAround()) {
+            PropertyListEntry entry{};
+            entry.start = position();
+            if (!take("<key") || !takeElement("key", [this] { return takeText(); })) return false;
+            const auto key = xml_.substr(entry.start, position() - entry.start);
+            skipAround();
+            entry.value = position();
+            if (!takeValue(depth)) return false;
+            entry.end = position();
+            if (depth > 1) continue;
+            setName(entry, key, found_.names);
+            found_.entries.push_back(entry);
+        }
+        return true;
+    }
+
+    /// What follows the name of a start tag, up to the end of the element.
+    template <typename Content>
+    bool takeElement(std::string_view name, Content takeContent) {
+        skipSpace();
+        return take("/>") || (take(">") && takeContent() && takeEndTag(name));
+    }
+
+    bool takeEndTag(std::string_view name) {
+        if (!take("</") || !take(name)) return false;
+        skipSpace();
+        return take(">");
+    }
+
+    /// Up to the next tag. What it means is appended to `meaning`.
+    bool takeText(std::string* meaning = nullptr) {
+        for (;;) {
+            const auto plain = takeWhile([](char character) { return character != '<' && character != '&'; });
+            if (plain.find("]]>") != std::string_view::npos) return false;
+            note(plain, meaning);
+            if (take("<![CDATA[")) {
+                note(rest_.substr(0, rest_.find("]]>")), meaning);
+                if (!takeThrough("]]>")) return false;
+            } else if (rest_.starts_with('&')) {
+                if (!takeReference(meaning)) return false;
+            } else if (!takeAside()) {
+                return true;
+            }
         }
     }
 
-    /// One text may come in several pieces.
-    void takeText(std::string_view text) {
-        const auto kind = open_.empty() ? Kind::list : open_.back().kind;
-        require(kind == Kind::key || kind == Kind::scalar || trimmed(text).empty());
-        if (kind == Kind::key) name_ += text;
-        require(name_.size() + found_.names.size() <= mostNames);
+    /// Appends what `piece` of a text means: its lines may end in three ways.
+    static void note(std::string_view piece, std::string* meaning) {
+        if (!meaning) return;
+        for (std::size_t at = 0; at < piece.size(); ++at) {
+            if (piece[at] != '\r') {
+                *meaning += piece[at];
+            } else if (!piece.substr(at + 1).starts_with('\n')) {
+                *meaning += '\n';
+            }
+        }
     }
 
-    /// How many elements stand around the dictionary at the top.
-    std::size_t around() const { return !open_.empty() && open_.front().kind == Kind::list ? 1 : 0; }
-
-    /// Whether the innermost open element is the dictionary at the top.
-    bool isInTop() const { return open_.size() == around() + 1; }
-
-    /// Where the last tag at or before `end` starts.
-    std::uint32_t tagBefore(std::uint32_t end) const { return static_cast<std::uint32_t>(xml_.rfind('<', end)); }
-
-    std::uint32_t position() const {
-        return static_cast<std::uint32_t>(list_.data() - xml_.data() + xmlByteConsumed(context_.get()));
+    /// To one of the five characters that XML names, or by number.
+    bool takeReference(std::string* meaning) {
+        constexpr std::array<std::pair<std::string_view, std::string_view>, 5> named{
+            {{"&lt;", "<"}, {"&gt;", ">"}, {"&amp;", "&"}, {"&quot;", "\""}, {"&apos;", "'"}}};
+        for (const auto& [reference, character] : named) {
+            if (!take(reference)) continue;
+            note(character, meaning);
+            return true;
+        }
+        if (!take("&#")) return false;
+        const int base = take("x") ? 16 : 10;
+        std::uint32_t number = 0;
+        const auto [end, error] = std::from_chars(rest_.data(), rest_.data() + rest_.size(), number, base);
+        if (error != std::errc() || !isXMLCharacter(number)) return false;
+        if (meaning) text::append(*meaning, char32_t{number});
+        rest_.remove_prefix(static_cast<std::size_t>(end - rest_.data()));
+        return take(";");
     }
+
+    /// White space, comments and instructions.
+    void skipAround() {
+        do {
+            skipSpace();
+        } while (takeAside());
+    }
+
+    /// A comment or an instruction.
+    bool takeAside() {
+        const auto before = rest_;
+        const bool isTaken = take("<!--") ? takeThrough("--") && take(">") : take("<?") && takeInstruction();
+        if (!isTaken) rest_ = before;
+        return isTaken;
+    }
+
+    bool takeInstruction() {
+        const auto name = takeWhile(isInName);
+        if (name.empty() || name == "xml") return false;
+        return take("?>") || (skipSpace() && takeThrough("?>"));
+    }
+
+    bool takeAttributes() {
+        while (skipSpace() && takeName()) {
+            skipSpace();
+            if (!take("=")) return false;
+            skipSpace();
+            if (!takeLiteral()) return false;
+        }
+        return true;
+    }
+
+    /// A text between two quotes of either kind.
+    bool takeLiteral() {
+        const auto quote = rest_.substr(0, 1);
+        if (!take("\"") && !take("'")) return false;
+        takeWhile([quote](char character) { return character != quote.front() && character != '<'; });
+        return take(quote);
+    }
+
+    bool takeName() { return !takeWhile(isInName).empty(); }
+
+    /// Whether there was any.
+    bool skipSpace() { return !takeWhile(isSpace).empty(); }
+
+    template <typename Predicate>
+    std::string_view takeWhile(Predicate isWanted) {
+        const auto end = std::find_if_not(rest_.begin(), rest_.end(), isWanted);
+        const auto taken = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
+        rest_.remove_prefix(taken.size());
+        return taken;
+    }
+
+    bool take(std::string_view piece) {
+        if (!rest_.starts_with(piece)) return false;
+        rest_.remove_prefix(piece.size());
+        return true;
+    }
+
+    bool takeThrough(std::string_view end) {
+        const auto at = rest_.find(end);
+        rest_.remove_prefix(std::min(at, rest_.size()));
+        return take(end);
+    }
+
+    std::uint32_t position() const { return static_cast<std::uint32_t>(xml_.size() - rest_.size()); }
 
     std::string_view xml_;
-    /// Without what is around it.
-    std::string_view list_;
-    std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context_;
-    bool isSound_ = true;
-    int warnings_ = 0;
-    std::vector<Element> open_;
-    PropertyListEntry entry_{};
-    std::string name_;
+    /// What is still to be taken.
+    std::string_view rest_;
     XMLPropertyList found_;
 };
 
 }  // namespace
 
-void setName(PropertyListEntry& entry, std::string_view name, std::string_view element, std::string& names) {
-    constexpr std::string_view start = "<key>";
-    constexpr std::string_view end = "</key>";
-    entry.isNamedApart =
-        element.size() != start.size() + name.size() + end.size() || element.substr(start.size(), name.size()) != name;
-    entry.name = static_cast<std::uint32_t>(entry.isNamedApart ? names.size() : entry.start + start.size());
-    entry.nameLength = name.size() & 0x7FFFFFFF;
-    if (entry.isNamedApart) names += name;
+void setName(PropertyListEntry& entry, std::string_view element, std::string& names) {
+    const auto content = contentOf(element);
+    entry.isNamedApart = !isPlain(content);
+    entry.name =
+        static_cast<std::uint32_t>(entry.isNamedApart ? names.size() : entry.start + (content.data() - element.data()));
+    if (entry.isNamedApart) names += textOf(element);
+    entry.nameLength = (entry.isNamedApart ? names.size() - entry.name : content.size()) & 0x7FFFFFFF;
 }
 
 std::optional<XMLPropertyList> readXMLPropertyList(std::string_view xml) {
-    static const bool isReady = (xmlInitParser(), true);
-    // A NUL would be the end to libxml2, or the sign of another encoding.
-    if (!isReady || xml.size() > largestPropertyList || xml.find('\0') != std::string_view::npos) return std::nullopt;
-    return Reader(xml).read();
+    return xml.size() <= largestPropertyList ? Reader(xml).list() : std::nullopt;
 }
 
 std::string textOf(std::string_view element) {
-    const auto start = element.find('>') + 1;
-    const auto end = std::max(element.rfind('<'), start);
-    const auto content = element.substr(start, end - start);
-    const auto isPlain = [](char character) { return character != '&' && character != '<' && character != '\r'; };
-    if (std::all_of(content.begin(), content.end(), isPlain)) return withEscapesRead(content);
-
-    std::string text;
-    xmlSAXHandler handler{};
-    handler.characters = [](void* text, const xmlChar* piece, int length) {
-        static_cast<std::string*>(text)->append(plainCharacters(piece), static_cast<std::size_t>(length));
-    };
-    handler.ignorableWhitespace = handler.cdataBlock = handler.characters;
-    xmlSAXUserParseMemory(&handler, &text, element.data(), static_cast<int>(element.size()));
-    return withEscapesRead(text);
+    const auto content = contentOf(element);
+    return isPlain(content) ? std::string(content) : withEscapesRead(Reader(content).text());
 }
 
 std::string encodingOf(std::string_view xml) {

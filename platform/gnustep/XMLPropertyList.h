@@ -25,9 +25,9 @@ struct PropertyListEntry {
     std::uint32_t end;
 };
 
-/// Notes that `name` is the key of `entry`, whose start is known, and is written as `element`. Where it doesn't stand
-/// in there as it is, appends it to `names`.
-void setName(PropertyListEntry& entry, std::string_view name, std::string_view element, std::string& names);
+/// Notes the key of `entry`, whose start is known and which is written as `element`. Where it doesn't stand in there as
+/// it is, appends it to `names`.
+void setName(PropertyListEntry& entry, std::string_view element, std::string& names);
 
 struct XMLPropertyList {
     /// In the order of the XML.
@@ -39,8 +39,8 @@ struct XMLPropertyList {
 };
 
 /// Finds the entries of the dictionary at the top of an XML property list in UTF-8. Nothing when the XML is damaged, is
-/// no property list, has another top, declares something of its own, has a tag longer than `longestTag`, or is nested
-/// more deeply than `deepestNesting`. What it takes grows with the length of `xml` and not faster.
+/// no property list, has another top, declares something of its own, or is nested more deeply than `deepestNesting`.
+/// What it takes grows with the length of `xml` and not faster.
 std::optional<XMLPropertyList> readXMLPropertyList(std::string_view xml);
 
 /// What a text, a number or a key means, of which `element` is the sound XML, with its tags.

@@ -1,7 +1,5 @@
 #include "platform/gnustep/XMLText.h"
 
-#include <libxml/chvalid.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -83,6 +81,12 @@ bool isPlain(char character) {
 
 }  // namespace
 
+bool isXMLCharacter(char32_t character) {
+    if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
+    return character < 0xD800 || (character > 0xDFFF && character < 0xFFFE) ||
+           (character > 0xFFFF && character <= 0x10FFFF);
+}
+
 void append(std::string& xml, std::string_view piece) {
     constexpr auto tooMuch = largestPropertyList + 1;
     xml += piece.substr(0, tooMuch - std::min(xml.size(), tooMuch));
@@ -93,7 +97,7 @@ void appendText(std::string& xml, std::string_view text) {
         auto [character, length] = text::firstOf(text);
         if (character == replacementCharacter) {
             append(xml, "\xEF\xBF\xBD");
-        } else if (!xmlIsCharQ(character) || escapedUnit(text) >= 0) {
+        } else if (!isXMLCharacter(character) || escapedUnit(text) >= 0) {
             append(xml, escape(character));
         } else if (!reference(text.front()).empty()) {
             append(xml, reference(text.front()));

@@ -5,6 +5,9 @@
 
 namespace vantrel::gnustep {
 
+/// Whether XML can hold it.
+bool isXMLCharacter(char32_t character);
+
 /// XML can't hold every character, so GNUstep writes those it can't as `\U` and four hexadecimal digits, one for each
 /// UTF-16 unit, and reads that back in every text and key; the functions here do the same.
 

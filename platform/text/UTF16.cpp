@@ -32,19 +32,6 @@ std::size_t lengthFrom(unsigned char lead) {
     return lead < 0xF8 ? 4 : 0;
 }
 
-void appendCharacter(std::string& text, char32_t character) {
-    const std::size_t length = lengthInUTF8(character);
-    if (length == 1) {
-        text += static_cast<char>(character);
-        return;
-    }
-    const auto leadBits = static_cast<char32_t>(0xF00U >> length & 0xFFU);
-    for (std::size_t left = length; left-- > 0;) {
-        const char32_t bits = character >> 6 * left;
-        text += static_cast<char>(left + 1 == length ? leadBits | bits : 0x80U | (bits & 0x3FU));
-    }
-}
-
 }  // namespace
 
 std::u16string toUTF16(std::string_view text) {
@@ -81,7 +68,20 @@ void append(std::string& text, char16_t unit) {
             text.erase(before);
         }
     }
-    appendCharacter(text, character);
+    append(text, character);
+}
+
+void append(std::string& text, char32_t character) {
+    const std::size_t length = lengthInUTF8(character);
+    if (length == 1) {
+        text += static_cast<char>(character);
+        return;
+    }
+    const auto leadBits = static_cast<char32_t>(0xF00U >> length & 0xFFU);
+    for (std::size_t left = length; left-- > 0;) {
+        const char32_t bits = character >> 6 * left;
+        text += static_cast<char>(left + 1 == length ? leadBits | bits : 0x80U | (bits & 0x3FU));
+    }
 }
 
 Character firstOf(std::string_view text) {

@@ -19,10 +19,16 @@ std::string fromUTF16(std::u16string_view units);
 /// the text ends with.
 void append(std::string& text, char16_t unit);
 
+/// Appends a character.
+void append(std::string& text, char32_t character);
+
 struct Character {
     char32_t number;
     /// In bytes.
     std::size_t length;
+
+    /// Whether it stands for a byte that is no text.
+    bool isDamage() const { return number == 0xFFFD && length == 1; }
 };
 
 /// The character, or the half of a surrogate pair, at the start of `text`, which isn't empty; U+FFFD with a length of 1

@@ -19,7 +19,7 @@ public:
 
     /// One at a time, each with its name.
     void forEach(const std::function<void(const std::string& name, const std::string& list)>& visit) const {
-        // What libxml2 takes long for.
+        // What readers of all that XML can be take long for.
         visit("Attributes", "<plist " + numbered("a", "='' ") + "><dict/></plist>");
         visit("AttributesBehindABracket", "<plist a='>' " + numbered("a", "='' ") + "/>");
         visit("AttributesOfAnEntry", listOf("<key " + numbered("a", "='' ") + ">a</key><true/>"));

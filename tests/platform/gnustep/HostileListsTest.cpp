@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
-#include <libxml/xmlmemory.h>
 #include <malloc.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <new>
 
@@ -12,7 +10,7 @@
 
 namespace {
 
-/// What this process has allocated, libxml2 included.
+/// What this process has allocated.
 struct Allocations {
     std::size_t bytes = 0;
     std::size_t mostBytes = 0;
@@ -32,15 +30,6 @@ struct Allocations {
         std::free(memory);
     }
 } allocations;
-
-const bool libxml2IsCounted =
-    xmlMemSetup([](void* memory) { allocations.release(memory); },
-                [](std::size_t size) { return allocations.allocate(size); },
-                [](void* memory, std::size_t size) {
-                    allocations.bytes -= malloc_usable_size(memory);
-                    return allocations.allocated(std::realloc(memory, size));
-                },
-                [](const char* text) { return static_cast<char*>(allocations.allocated(strdup(text))); }) == 0;
 
 }  // namespace
 
@@ -101,11 +90,9 @@ TEST(HostileLists, NoneIsTooLargeToBeRead) {
 }
 
 TEST(HostileLists, EachIsReadOrRefusedWithin64MegabytesBesideIt) {
-    ASSERT_TRUE(libxml2IsCounted);
     for (const auto& cost : costs()) EXPECT_LT(cost.bytes, 64'000'000U) << cost.name;
 }
 
-/// Every error that libxml2 comes upon costs it some.
 TEST(HostileLists, EachIsReadOrRefusedWithAnAllocationForEveryFourBytesAtMost) {
     for (const auto& cost : costs()) EXPECT_LT(cost.allocations, largestPropertyList / 4) << cost.name;
 }

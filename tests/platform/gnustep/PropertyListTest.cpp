@@ -108,7 +108,9 @@ TEST(PropertyListRead, DataDatesArraysAndDictionariesAreOfOtherTypes) {
 
 TEST(PropertyListRead, ATextComesWithoutItsXML) {
     EXPECT_EQ(readOf("<string>a &lt;&amp;&gt; &quot;&apos; &#65;&#x1F600;</string>"), "text \"a <&> \"' A😀\"");
-    EXPECT_EQ(readOf("<string>x<![CDATA[<&>]]>y<!-- no -->z</string>"), "text \"x<&>yz\"");
+    EXPECT_EQ(readOf("<string>x<![CDATA[<&>]]>y<!-- no -->z<?no?></string>"), "text \"x<&>yz\"");
+    EXPECT_EQ(readOf("<string>\r<!-- -->\na\r\nb<![CDATA[\r]]>&#13;&#10;\r\r</string>"), "text \"\n\na\nb\n\r\n\n\n\"");
+    EXPECT_EQ(readOf("<string><![CDATA[]]]]><![CDATA[>&amp;]]></string>"), "text \"]]>&amp;\"");
     EXPECT_EQ(readOf("<string/>"), "text \"\"");
     EXPECT_EQ(readOf("<string>  kept \n </string>"), "text \"  kept \n \"");
 }
@@ -186,6 +188,52 @@ TEST(PropertyListParse, TagsThatDontBelongTogetherAreDamage) {
     }
 }
 
+TEST(PropertyListParse, TextThatXMLDoesntHaveIsDamage) {
+    for (const auto* text :
+         {"]]>",          "&",        "&;",         "&#;",           "&#x;",    "&#-1;",       "&#+1;",        "&#65",
+          "&#X41;",       "&#xFFFE;", "&#x110000;", "&#4294967361;", "&lt",     "&LT;",        "<!-- -- -->",  "<!--->",
+          "<!-- ",        "<? a?>",   "<?a",        "<?a!?>",        "<?xml?>", "<![CDATA[]]", "<![cdata[]]>", "\x01",
+          "\xEF\xBF\xBE", "\x1F"}) {
+        EXPECT_FALSE(isParsed(listOf("<key>a</key><string>"s + text + "</string>"))) << text;
+        EXPECT_FALSE(isParsed(listOf("<key>a</key>"s + text + "<true/>"))) << text;
+    }
+}
+
+TEST(PropertyListParse, AListMayStartWithWhateverXMLAllowsThere) {
+    for (const auto* start : {"<?xml version='1.0'?>", "<?xml\tversion = \"1.0\"\nencoding='UTF-8' standalone='yes' ?>",
+                              "<?xml-style a?><?a?>", "<!DOCTYPE plist>", "<!DOCTYPE plist >",
+                              "<!DOCTYPE plist SYSTEM \"'>\">", "<!-- a --><!DOCTYPE\nplist PUBLIC\n'a' 'b' >"}) {
+        EXPECT_TRUE(isParsed(start + "<plist\tversion = '>' ><dict/></plist >"s)) << start;
+    }
+}
+
+TEST(PropertyListParse, AStartThatXMLDoesntHaveIsDamage) {
+    for (const auto* start : {"<?xml version='1.0'>",
+                              "<?xml version='1.0?>",
+                              "<?xml version=1.0?>",
+                              "<?xml version '1.0'?>",
+                              "<?xml version='1.0'encoding='UTF-8'?>",
+                              "<!-- --><?xml version='1.0'?>",
+                              "<!DOCTYPE>",
+                              "<!DOCTYPE plist SYSTEM>",
+                              "<!DOCTYPE plist PUBLIC 'a'>",
+                              "<!DOCTYPE plist PUBLIC 'a''b'>",
+                              "<!DOCTYPE plist SYSTEM 'a>",
+                              "<!DOCTYPE plist 'a'>",
+                              "<!DOCTYPE plist><!DOCTYPE plist>",
+                              "<!doctype plist>",
+                              "<!-- -- -->",
+                              "<plist a>",
+                              "<plist a='b'c='d'>",
+                              "<plist a='<'>",
+                              "<plistic>",
+                              "x",
+                              "&#32;"}) {
+        EXPECT_FALSE(isParsed(start + "<dict/>"s)) << start;
+        EXPECT_FALSE(isParsed(start + "<dict/></plist>"s)) << start;
+    }
+}
+
 TEST(PropertyListParse, EntitiesOfItsOwnAreNotRead) {
     EXPECT_FALSE(isParsed("<!DOCTYPE plist [<!ENTITY a 'b'>]><plist><dict/></plist>"));
     EXPECT_FALSE(isParsed("<!DOCTYPE plist SYSTEM 'x' [<!ATTLIST plist a CDATA 'b'>]><plist><dict/></plist>"));
@@ -247,7 +295,6 @@ TEST(PropertyListParse, AListThatIsEncodedTwiceIsDamaged) {
     EXPECT_FALSE(isParsed("\xFF\xFE" + inUTF16(inUTF16(xml, true))));
 }
 
-/// libxml2 would find out the encoding, and tell places in bytes that aren't ours.
 TEST(PropertyListParse, AListInAnEncodingThatItDoesntStartWithIsDamaged) {
     const auto xml = "<?xml version='1.0'?><dict><key>key</key><string>a</string></dict>"s;
     EXPECT_FALSE(isParsed(" " + inUTF16(xml)));

@@ -99,6 +99,13 @@ TEST(TextPropertyList, ZerosBehindItAreCutOff) {
     EXPECT_TRUE(isParsed("{ a = 1; }\n\0\0"s));
 }
 
+TEST(TextPropertyList, BytesThatAreNotUTF8AreDamage) {
+    for (const auto* bytes : {"\xFF", "\xC3", "\xC0\x80", "\xE0\x80\x80", "\xF4\x90\x80\x80"}) {
+        EXPECT_FALSE(isParsed("{ a = \""s + bytes + "\"; }")) << bytes;
+    }
+    EXPECT_TRUE(isParsed("{ a = \"é\xEF\xBF\xBD\"; }"));
+}
+
 TEST(TextPropertyList, AListThatStopsAnywhereIsDamaged) {
     const auto whole = R"({ a = "b\U0041"; c = (<*I1>, <00>); })"s;
     ASSERT_TRUE(isParsed(whole));
