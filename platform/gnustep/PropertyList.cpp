@@ -103,7 +103,8 @@ public:
             spliced.append(bytes, at, splice.start - at).append(splice.text);
             at = splice.end;
         }
-        return spliced.append(bytes, at);
+        spliced.append(bytes, at);
+        return spliced;
     }
 
     /// Where what stood at `position` has gone; what comes in place of a passage counts as standing at its start.
@@ -230,7 +231,7 @@ std::optional<PropertyList> PropertyList::with(const PropertyListChanges& change
         }
     }
     const auto end = lineBreakBefore(bytes_, dictionaryEnd_);
-    splices.add(end, end, added);
+    if (!added.empty()) splices.add(end, end, added);
     auto bytes = splices.appliedTo(bytes_);
     if (!bytes) return std::nullopt;
 

@@ -337,7 +337,8 @@ std::string inUTF8(std::string_view xml, const std::string& encoding) {
 
     const std::size_t start = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
     const bool isDeclared = std::string_view(text).substr(start).starts_with("<?xml");
-    return text.replace(0, isDeclared ? text.find('>') + 1 : start, R"(<?xml version="1.0" encoding="UTF-8"?>)");
+    text.replace(0, isDeclared ? text.find('>') + 1 : start, R"(<?xml version="1.0" encoding="UTF-8"?>)");
+    return text;
 }
 
 }  // namespace vantrel::gnustep
