@@ -64,7 +64,7 @@ public:
 private:
     std::optional<PropertyList> read() const {
         if (!file_.isOpen()) return errno == ENOENT ? std::optional(PropertyList()) : std::nullopt;
-        auto bytes = posix::contentsOf(calls_, file_.number(), largestRecord);
+        auto bytes = posix::contentsOf(calls_, file_.number(), status_, largestRecord);
         if (!bytes) return std::nullopt;
         if (bytes->empty()) return PropertyList();
         auto list = bytes->size() > largestRecord ? std::nullopt : PropertyList::parse(*bytes);

@@ -85,7 +85,7 @@ std::optional<std::string> CachedPropertyList::contents() {
     struct stat status {};
     const posix::Descriptor file(calls_, posix::openToRead(calls_, path_, status));
     if (!file.isOpen()) return std::nullopt;
-    auto bytes = posix::contentsOf(calls_, file.number(), largestPropertyList);
+    auto bytes = posix::contentsOf(calls_, file.number(), status, largestPropertyList);
     if (!bytes) return std::nullopt;
     status_ = status;
     isSettled_ = clockIsKnown && isSettledAt(now, status);

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <utility>
@@ -47,9 +48,11 @@ int openToRead(SystemCalls& calls, const std::string& path, struct stat& status,
     return -1;
 }
 
-std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, std::size_t mostBytes) {
+std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, const struct stat& status,
+                                      std::size_t mostBytes) {
     // Read to the end rather than for the length that was told: the files of the kernel tell none.
     std::string contents;
+    contents.reserve(std::min(static_cast<std::size_t>(status.st_size), mostBytes));
     while (contents.size() <= mostBytes) {
         std::array<char, 16384> buffer;
         const ssize_t got = readOnce(calls, descriptor, buffer.data(), buffer.size());
@@ -63,7 +66,7 @@ std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, std::s
 std::optional<std::string> contentsOfFile(SystemCalls& calls, const std::string& path, std::size_t mostBytes) {
     struct stat status {};
     const Descriptor file(calls, openToRead(calls, path, status));
-    auto contents = file.isOpen() ? contentsOf(calls, file.number(), mostBytes) : std::nullopt;
+    auto contents = file.isOpen() ? contentsOf(calls, file.number(), status, mostBytes) : std::nullopt;
     return contents && contents->size() <= mostBytes ? std::move(contents) : std::nullopt;
 }
 

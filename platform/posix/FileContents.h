@@ -19,8 +19,9 @@ int writeAll(SystemCalls& calls, int descriptor, const char* bytes, std::size_t 
 int openToRead(SystemCalls& calls, const std::string& path, struct stat& status, int flags = 0);
 
 /// What is left to read of an open file; of one that is longer than `mostBytes`, only so much that this shows. Nothing,
-/// and `errno`, when it can't be read.
-std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, std::size_t mostBytes);
+/// and `errno`, when it can't be read. `status` is what was told about the file.
+std::optional<std::string> contentsOf(SystemCalls& calls, int descriptor, const struct stat& status,
+                                      std::size_t mostBytes);
 
 /// What is in the file at `path`. Nothing when it is missing, can't be read, isn't a file, or is longer than
 /// `mostBytes`.
