@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cerrno>
-#include <filesystem>
 
 namespace vantrel::posix {
 namespace {
@@ -54,7 +53,7 @@ std::string sentence(const std::string& subject, const std::string& predicate, c
 }
 
 std::string nameOf(const std::string& path) {
-    return std::filesystem::path(path).filename().string();
+    return path.substr(path.rfind('/') + 1);
 }
 
 }  // namespace vantrel::posix
