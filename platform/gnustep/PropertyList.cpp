@@ -7,6 +7,7 @@
 
 #include "platform/gnustep/BinaryPropertyList.h"
 #include "platform/gnustep/TextPropertyList.h"
+#include "platform/gnustep/XMLEncoding.h"
 #include "platform/gnustep/XMLText.h"
 
 namespace vantrel::gnustep {

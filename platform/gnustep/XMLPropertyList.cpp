@@ -1,25 +1,18 @@
 #include "platform/gnustep/XMLPropertyList.h"
 
-#include <iconv.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <cstdint>
-#include <memory>
 #include <utility>
 
 #include "platform/gnustep/PropertyList.h"
+#include "platform/gnustep/XMLEncoding.h"
 #include "platform/gnustep/XMLText.h"
 #include "platform/text/UTF16.h"
 
 namespace vantrel::gnustep {
 namespace {
-
-using namespace std::string_view_literals;
-
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 constexpr std::array<std::string_view, 7> scalars{"string", "integer", "true", "false", "real", "data", "date"};
 
@@ -29,16 +22,19 @@ bool isSpace(char character) {
 
 /// More than XML allows, but nothing that ends a name.
 bool isInName(char character) {
-    return !isSpace(character) && "<>/=?!&'\"[]"sv.find(character) == std::string_view::npos;
+    return !isSpace(character) && std::string_view("<>/=?!&'\"[]").find(character) == std::string_view::npos;
 }
 
 /// Whether `text` is UTF-8 and has only what XML can hold.
 bool isXML(std::string_view text) {
-    while (!text.empty()) {
-        const auto character = text::firstOf(text);
+    for (std::size_t at = 0; at < text.size();) {
+        if ((text[at] >= ' ' && text[at] <= '~') || text[at] == '\n' || text[at] == '\t') {
+            ++at;
+            continue;
+        }
+        const auto character = text::firstOf(text.substr(at));
         if (character.isDamage() || !isXMLCharacter(character.number)) return false;
-        text.remove_prefix(character.length);
-        while (!text.empty() && text.front() >= ' ' && text.front() <= '~') text.remove_prefix(1);
+        at += character.length;
     }
     return true;
 }
@@ -51,10 +47,10 @@ std::string_view contentOf(std::string_view element) {
 
 /// Whether `content` means just its own characters.
 bool isPlain(std::string_view content) {
-    const auto isPlain = [](char character) {
-        return character != '&' && character != '<' && character != '\r' && character != '\\';
-    };
-    return std::all_of(content.begin(), content.end(), isPlain);
+    for (const char character : content) {
+        if (character == '&' || character == '<' || character == '\r' || character == '\\') return false;
+    }
+    return true;
 }
 
 /// Walks along XML. What is taken is sound; what is not sound stays, and nothing that comes next is the like of it.
@@ -262,9 +258,10 @@ private:
 
     template <typename Predicate>
     std::string_view takeWhile(Predicate isWanted) {
-        const auto end = std::find_if_not(rest_.begin(), rest_.end(), isWanted);
-        const auto taken = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
-        rest_.remove_prefix(taken.size());
+        std::size_t size = 0;
+        while (size < rest_.size() && isWanted(rest_[size])) ++size;
+        const auto taken = rest_.substr(0, size);
+        rest_.remove_prefix(size);
         return taken;
     }
 
@@ -306,39 +303,6 @@ std::optional<XMLPropertyList> readXMLPropertyList(std::string_view xml) {
 std::string textOf(std::string_view element) {
     const auto content = contentOf(element);
     return isPlain(content) ? std::string(content) : withEscapesRead(Reader(content).text());
-}
-
-std::string encodingOf(std::string_view xml) {
-    if (xml.starts_with("\xFF\xFE") || xml.starts_with("\xFE\xFF")) return "UTF-16";
-    if (xml.starts_with("<\0"sv)) return "UTF-16LE";
-    if (xml.starts_with("\0<"sv)) return "UTF-16BE";
-    const auto declaration = xml.starts_with("<?xml") ? xml.substr(0, xml.find("?>")) : "";
-    const auto start = declaration.find_first_of("\"'", declaration.find("encoding"));
-    if (start == std::string_view::npos) return {};
-    const std::string name(declaration.substr(start + 1, declaration.find(declaration[start], start + 1) - start - 1));
-    return name == "UTF-8" || name == "utf-8" ? "" : name;
-}
-
-std::string inUTF8(std::string_view xml, const std::string& encoding) {
-    const std::unique_ptr<void, decltype(&iconv_close)> converter(iconv_open("UTF-8", encoding.c_str()), iconv_close);
-    if (reinterpret_cast<std::intptr_t>(converter.get()) == -1) return {};
-    std::string text;
-    text.reserve(std::min(2 * xml.size(), largestPropertyList));
-    char* from = const_cast<char*>(xml.data());
-    for (auto left = xml.size(); left > 0;) {
-        std::array<char, 16384> buffer;
-        char* to = buffer.data();
-        auto room = buffer.size();
-        const bool isDone = iconv(converter.get(), &from, &left, &to, &room) != static_cast<std::size_t>(-1);
-        const std::string_view converted(buffer.data(), to);
-        if ((!isDone && errno != E2BIG) || text.size() + converted.size() > largestPropertyList) return {};
-        text += converted;
-    }
-
-    const std::size_t start = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
-    const bool isDeclared = std::string_view(text).substr(start).starts_with("<?xml");
-    text.replace(0, isDeclared ? text.find('>') + 1 : start, R"(<?xml version="1.0" encoding="UTF-8"?>)");
-    return text;
 }
 
 }  // namespace vantrel::gnustep

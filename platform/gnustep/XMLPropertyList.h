@@ -46,10 +46,4 @@ std::optional<XMLPropertyList> readXMLPropertyList(std::string_view xml);
 /// What a text, a number or a key means, of which `element` is the sound XML, with its tags.
 std::string textOf(std::string_view element);
 
-/// The encoding that `xml` starts with or declares; empty when that is UTF-8.
-std::string encodingOf(std::string_view xml);
-
-/// `xml` in UTF-8 and declared so. Empty when it isn't in that encoding, or is longer than the largest property list.
-std::string inUTF8(std::string_view xml, const std::string& encoding);
-
 }  // namespace vantrel::gnustep
