@@ -2,7 +2,7 @@
 
 namespace vantrel {
 
-/// Spares GNUstep the search for the images of check boxes, radio buttons and menus.
+/// Spares GNUstep the search for the images of check boxes, radio buttons and menus, and a hidden window for each.
 ///
 /// GNUstep leads their names to others, under which there is no file: it looks for each in every library as every type
 /// of image, which takes 5 to 12 ms and 2 MB a name, before it finds the file under its first name. This binds each

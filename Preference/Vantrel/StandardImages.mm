@@ -3,6 +3,64 @@
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
 
+/// Draws itself by way of a sheet that all of these images share. GNUstep draws an image by way of a window of its own,
+/// which nobody sees; to make one takes ten answers of the display, and each is told the application's icon.
+@interface VantrelStandardImage : NSImage {
+    NSRect place;
+}
+@end
+
+@implementation VantrelStandardImage
+
+/// Where the image is in the sheet; empty if there is no room for it.
+- (NSRect)placeIn:(NSImage *)sheet {
+    static CGFloat end = 0;
+    const NSRect next = {NSMakePoint(end, 0), [self size]};
+    if (NSIsEmptyRect(place) && NSContainsRect(NSMakeRect(0, 0, [sheet size].width, [sheet size].height), next)) {
+        [sheet lockFocus];
+        [[self bestRepresentationForDevice:nil] drawInRect:next];
+        [sheet unlockFocus];
+        place = next;
+        end = NSMaxX(next);
+    }
+    return place;
+}
+
+- (void)drawInRect:(NSRect)target
+          fromRect:(NSRect)part
+         operation:(NSCompositingOperation)operation
+          fraction:(CGFloat)opacity
+    respectFlipped:(BOOL)keepsUpright
+             hints:(NSDictionary *)hints {
+    static NSImage *sheet = [[NSImage alloc] initWithSize:NSMakeSize(512, 16)];
+    // On paper, and where only a part of the image is wanted, there is nothing to gain.
+    const bool isWhole = NSIsEmptyRect(part) && !NSIsEmptyRect(target);
+    const bool isOnScreen = [[NSGraphicsContext currentContext] isDrawingToScreen];
+    const NSRect inSheet = isWhole && isOnScreen ? [self placeIn:sheet] : NSZeroRect;
+    if (NSIsEmptyRect(inSheet)) {
+        [super drawInRect:target
+                  fromRect:part
+                 operation:operation
+                  fraction:opacity
+            respectFlipped:keepsUpright
+                     hints:hints];
+    } else {
+        [sheet drawInRect:target
+                  fromRect:inSheet
+                 operation:operation
+                  fraction:opacity
+            respectFlipped:keepsUpright
+                     hints:hints];
+    }
+}
+
+/// An archive has the image by its name alone, for whoever reads it.
+- (Class)classForCoder {
+    return [NSImage class];
+}
+
+@end
+
 namespace vantrel {
 
 namespace {
@@ -33,7 +91,7 @@ NSImage *imageFromLibraries(NSArray *libraries, const char *file) {
     NSString *place = [NSString stringWithFormat:@"Images/%s.tiff", file];
     for (NSUInteger i = 0; i < [libraries count]; ++i) {
         NSString *path = [[libraries objectAtIndex:i] stringByAppendingPathComponent:place];
-        NSImage *image = [[[NSImage alloc] initByReferencingFile:path] autorelease];
+        NSImage *image = [[[VantrelStandardImage alloc] initByReferencingFile:path] autorelease];
         if (image) return image;
     }
     return nil;

@@ -9,6 +9,15 @@
 
 #import "tests/bundle/Host.h"
 
+@interface UprightView : NSView
+@end
+
+@implementation UprightView
+- (BOOL)isFlipped {
+    return YES;
+}
+@end
+
 namespace vantrel {
 namespace {
 
@@ -67,6 +76,39 @@ GSTheme *themeWithImage() {
     GSTheme *theme = [GSTheme loadThemeNamed:@"Unusual"];
     EXPECT_NE(theme, nil);
     return theme;
+}
+
+NSWindow *windowWith(NSView *view) {
+    NSWindow *window = [[NSWindow alloc] initWithContentRect:[view bounds]
+                                                   styleMask:NSTitledWindowMask
+                                                     backing:NSBackingStoreBuffered
+                                                       defer:NO];
+    [window setReleasedWhenClosed:NO];
+    [[window contentView] addSubview:view];
+    return window;
+}
+
+void openPane() {
+    NSPreferencePane *pane = [[host::principalClass() alloc] initWithBundle:host::bundle()];
+    NSWindow *window = windowWith([pane loadMainView]);
+    [window orderFront:nil];
+    [window display];
+}
+
+/// What is on the display after a view has drawn an image.
+std::string drawn(NSImage *image, NSView *view, CGFloat opacity) {
+    [view lockFocus];
+    [[NSColor yellowColor] set];
+    NSRectFill([view bounds]);
+    [image drawInRect:NSMakeRect(3, 5, [image size].width, [image size].height)
+              fromRect:NSZeroRect
+             operation:NSCompositeSourceOver
+              fraction:opacity
+        respectFlipped:YES
+                 hints:nil];
+    NSBitmapImageRep *seen = [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
+    [view unlockFocus];
+    return {reinterpret_cast<const char *>([seen bitmapData]), static_cast<std::size_t>([seen bytesPerPlane])};
 }
 
 /// Each test starts without the images.
@@ -129,18 +171,39 @@ TEST_F(StandardImages, GiveWayToAThemeThatIsChosenLater) {
     EXPECT_EQ([imageNamed("NSSwitch") size].width, usualSize);
 }
 
+TEST_F(StandardImages, LookAsGNUstepDrawsThem) {
+    registerStandardImages();
+    const NSRect frame = NSMakeRect(0, 0, 40, 40);
+    for (Class kind : {[NSView class], [UprightView class]}) {
+        NSView *view = [[[kind alloc] initWithFrame:frame] autorelease];
+        [windowWith(view) orderFront:nil];
+        for (const char *name : names) {
+            NSImage *image = imageNamed(name);
+            NSString *file = [NSString stringWithUTF8String:fileOf(image).c_str()];
+            NSImage *usual = [[[NSImage alloc] initWithContentsOfFile:file] autorelease];
+            const std::string nothing = drawn(nil, view, 1);
+            for (const CGFloat opacity : {1.0, 0.5}) {
+                EXPECT_EQ(drawn(image, view, opacity), drawn(usual, view, opacity)) << name << ' ' << opacity;
+                EXPECT_NE(drawn(image, view, opacity), nothing) << name << ' ' << opacity;
+            }
+        }
+    }
+}
+
 TEST_F(StandardImages, SpareTheOpeningOfThePaneEverySearch) {
-    NSPreferencePane *pane = [[host::principalClass() alloc] initWithBundle:host::bundle()];
-    NSView *view = [pane loadMainView];
-    ASSERT_NE(view, nil);
-    NSWindow *window = [[NSWindow alloc] initWithContentRect:[view bounds]
-                                                   styleMask:NSTitledWindowMask
-                                                     backing:NSBackingStoreBuffered
-                                                       defer:NO];
-    [window setReleasedWhenClosed:NO];
-    [[window contentView] addSubview:view];
-    [window display];
+    openPane();
     EXPECT_THAT(searched, IsEmpty());
+}
+
+TEST_F(StandardImages, SpareTheOpeningOfThePaneAWindowForEach) {
+    registerStandardImages();
+    openPane();
+    for (const char *name : names) {
+        NSArray *representations = [imageNamed(name) representations];
+        for (NSUInteger i = 0; i < [representations count]; ++i) {
+            EXPECT_FALSE([[representations objectAtIndex:i] isKindOfClass:[NSCachedImageRep class]]) << name;
+        }
+    }
 }
 
 }  // namespace
