@@ -50,14 +50,15 @@ public:
 /// alone. What others keep in it, under other keys, stays.
 class OverrideMetadata {
 public:
-    virtual ~OverrideMetadata() = default;
-
     /// The record as it is now; empty when there is none yet. Null when it can't be opened or read.
     virtual std::unique_ptr<LoadedOverrides> load() = 0;
 
     /// Loads the record, changes one number and writes all of it back. Returns false, with the record as it was, when
     /// it can't be opened or written.
     virtual bool write(const OverrideKey& key, std::int32_t number) = 0;
+
+protected:
+    ~OverrideMetadata() = default;
 };
 
 }  // namespace vantrel

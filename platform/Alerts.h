@@ -14,10 +14,11 @@ struct Alert {
 /// Alerts for the user.
 class Alerts {
 public:
-    virtual ~Alerts() = default;
-
     /// Shows a fresh alert, modal for the whole application, and returns when the user has dismissed it.
     virtual void runModal(const Alert& alert) = 0;
+
+protected:
+    ~Alerts() = default;
 };
 
 }  // namespace vantrel

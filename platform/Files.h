@@ -11,8 +11,6 @@ using FileFailure = std::optional<std::string>;
 /// Whole files, by absolute path in UTF-8.
 class Files {
 public:
-    virtual ~Files() = default;
-
     /// Whether something exists at `path`.
     virtual bool fileExistsAtPath(const std::string& path) = 0;
 
@@ -29,6 +27,9 @@ public:
 
     /// Deletes. Fails when nothing is at `path` or it can't be removed.
     virtual FileFailure removeItemAtPath(const std::string& path) = 0;
+
+protected:
+    ~Files() = default;
 };
 
 }  // namespace vantrel

@@ -7,10 +7,11 @@ namespace vantrel {
 /// The system log.
 class Log {
 public:
-    virtual ~Log() = default;
-
     /// Writes one line; `line` carries no line end.
     virtual void log(std::string_view line) = 0;
+
+protected:
+    ~Log() = default;
 };
 
 }  // namespace vantrel

@@ -42,8 +42,6 @@ using PreferenceChange = std::function<std::optional<NewPreferenceValue>(const P
 /// again by the next synchronise. A platform may promise more; its class then says so.
 class Preferences {
 public:
-    virtual ~Preferences() = default;
-
     /// Looks `key` up for the application: first in its own domain, then in the user's global one. What another process
     /// has stored is seen from this process's next `synchronize` on, if not before.
     virtual PreferenceValue copyAppValue(std::string_view key, std::string_view applicationID) = 0;
@@ -62,6 +60,9 @@ public:
     /// Makes the writes of the application's domain (current user, any host) lasting and visible to other
     /// processes. Returns false when that failed.
     virtual bool synchronize(std::string_view applicationID) = 0;
+
+protected:
+    ~Preferences() = default;
 
 private:
     friend class PreferencesSequence;

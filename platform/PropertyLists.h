@@ -15,8 +15,6 @@ using PropertyListEntries = std::map<std::string, PreferenceValue, std::less<>>;
 /// Property lists of other programs.
 class PropertyLists {
 public:
-    virtual ~PropertyLists() = default;
-
     /// Reads the property list in the file at `path`, absolute and in UTF-8. Nothing when the file is missing, can't be
     /// read, or isn't a dictionary at the top.
     virtual std::optional<PropertyListEntries> dictionaryWithContentsOfFile(const std::string& path) = 0;
@@ -26,6 +24,9 @@ public:
 
     /// `text`, UTF-8, as the content of a `<string>` that these functions read as `text` again.
     virtual std::string xmlText(std::string_view text) = 0;
+
+protected:
+    ~PropertyLists() = default;
 };
 
 }  // namespace vantrel

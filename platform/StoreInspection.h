@@ -24,10 +24,11 @@ struct StoreFinding {
 /// The files in which the settings and the override metadata are kept.
 class StoreInspection {
 public:
-    virtual ~StoreInspection() = default;
-
     /// What is amiss, store by store. Unfinished files are looked for in `otherFolders` as well. Changes nothing.
     virtual std::vector<StoreFinding> findings(const std::vector<std::string>& otherFolders) = 0;
+
+protected:
+    ~StoreInspection() = default;
 };
 
 }  // namespace vantrel

@@ -8,8 +8,6 @@ namespace vantrel {
 /// What other processes do to the settings.
 class Watch {
 public:
-    virtual ~Watch() = default;
-
     /// What is watched for, and what is done then.
     struct Reactions {
         /// The name of a notification, and who posts it.
@@ -24,6 +22,9 @@ public:
 
     /// Returns with the process alone.
     virtual void run(const Reactions& reactions) = 0;
+
+protected:
+    ~Watch() = default;
 };
 
 }  // namespace vantrel
