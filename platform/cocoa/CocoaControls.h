@@ -14,9 +14,9 @@ class CocoaCheckBox : public CheckBox {
    public:
     explicit CocoaCheckBox(NSButton *const &button) : button_(button) {}
 
-    long state() const override { return [button_ state]; }
-    void setState(long state) override { [button_ setState:state]; }
-    void setEnabled(bool enabled) override { [button_ setEnabled:enabled]; }
+    long state() const override;
+    void setState(long state) override;
+    void setEnabled(bool enabled) override;
 
    private:
     NSButton *const &button_;
@@ -26,10 +26,10 @@ class CocoaRadioMatrix : public RadioMatrix {
    public:
     explicit CocoaRadioMatrix(NSMatrix *const &matrix) : matrix_(matrix) {}
 
-    long numberOfRows() const override { return [matrix_ numberOfRows]; }
-    long selectedRow() const override { return [matrix_ selectedRow]; }
-    void selectCellAtRow(long row, long column) override { [matrix_ selectCellAtRow:row column:column]; }
-    void setStateAtRow(long state, long row, long column) override { [matrix_ setState:state atRow:row column:column]; }
+    long numberOfRows() const override;
+    long selectedRow() const override;
+    void selectCellAtRow(long row, long column) override;
+    void setStateAtRow(long state, long row, long column) override;
 
    private:
     NSMatrix *const &matrix_;
@@ -39,10 +39,10 @@ class CocoaPopUpButton : public PopUpButton {
    public:
     explicit CocoaPopUpButton(NSPopUpButton *const &button) : button_(button) {}
 
-    void removeAllItems() override { [button_ removeAllItems]; }
+    void removeAllItems() override;
     void addItemWithTitle(std::string_view title) override;
-    long indexOfSelectedItem() const override { return [button_ indexOfSelectedItem]; }
-    void selectItemAtIndex(long index) override { [button_ selectItemAtIndex:index]; }
+    long indexOfSelectedItem() const override;
+    void selectItemAtIndex(long index) override;
 
    private:
     NSPopUpButton *const &button_;
@@ -54,7 +54,7 @@ class CocoaTextField : public TextField {
 
     std::string stringValue() const override;
     void setStringValue(std::string_view text) override;
-    bool hasCurrentEditor() const override { return [field_ currentEditor] != nil; }
+    bool hasCurrentEditor() const override;
 
    private:
     NSTextField *const &field_;
@@ -64,7 +64,7 @@ class CocoaPushButton : public PushButton {
    public:
     explicit CocoaPushButton(NSButton *const &button) : button_(button) {}
 
-    void setEnabled(bool enabled) override { [button_ setEnabled:enabled]; }
+    void setEnabled(bool enabled) override;
 
    private:
     NSButton *const &button_;

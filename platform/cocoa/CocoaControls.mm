@@ -4,6 +4,38 @@
 
 namespace vantrel::cocoa {
 
+long CocoaCheckBox::state() const {
+    return [button_ state];
+}
+
+void CocoaCheckBox::setState(long state) {
+    [button_ setState:state];
+}
+
+void CocoaCheckBox::setEnabled(bool enabled) {
+    [button_ setEnabled:enabled];
+}
+
+long CocoaRadioMatrix::numberOfRows() const {
+    return [matrix_ numberOfRows];
+}
+
+long CocoaRadioMatrix::selectedRow() const {
+    return [matrix_ selectedRow];
+}
+
+void CocoaRadioMatrix::selectCellAtRow(long row, long column) {
+    [matrix_ selectCellAtRow:row column:column];
+}
+
+void CocoaRadioMatrix::setStateAtRow(long state, long row, long column) {
+    [matrix_ setState:state atRow:row column:column];
+}
+
+void CocoaPopUpButton::removeAllItems() {
+    [button_ removeAllItems];
+}
+
 void CocoaPopUpButton::addItemWithTitle(std::string_view title) {
 #ifdef GNUSTEP
     // GNUstep's own puts an item into the menu and then changes it four times, and the menu measures itself each time.
@@ -17,12 +49,28 @@ void CocoaPopUpButton::addItemWithTitle(std::string_view title) {
 #endif
 }
 
+long CocoaPopUpButton::indexOfSelectedItem() const {
+    return [button_ indexOfSelectedItem];
+}
+
+void CocoaPopUpButton::selectItemAtIndex(long index) {
+    [button_ selectItemAtIndex:index];
+}
+
 std::string CocoaTextField::stringValue() const {
     return toUTF8([field_ stringValue]);
 }
 
 void CocoaTextField::setStringValue(std::string_view text) {
     [field_ setStringValue:toNSString(text)];
+}
+
+bool CocoaTextField::hasCurrentEditor() const {
+    return [field_ currentEditor] != nil;
+}
+
+void CocoaPushButton::setEnabled(bool enabled) {
+    [button_ setEnabled:enabled];
 }
 
 std::optional<std::string> CocoaString::value() const {

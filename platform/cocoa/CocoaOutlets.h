@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <variant>
 
 #import "platform/cocoa/CocoaControls.h"
 
@@ -20,20 +21,17 @@ public:
     OwnedString& string(std::string_view name) override;
 
 private:
-    template <typename Control>
-    using ByName = std::map<std::string, Control, std::less<>>;
+    using AnyControl =
+        std::variant<CocoaCheckBox, CocoaRadioMatrix, CocoaPopUpButton, CocoaTextField, CocoaPushButton, CocoaString>;
 
     /// The instance variable of that name; one that is always nil where the object has none.
-    template <typename Object>
-    Object*& variable(std::string_view name) const;
+    id& variable(std::string_view name) const;
+
+    template <typename Control, typename Object>
+    Control& outlet(std::string_view name);
 
     id owner_;
-    ByName<CocoaCheckBox> checkBoxes_;
-    ByName<CocoaRadioMatrix> radioMatrices_;
-    ByName<CocoaPopUpButton> popUpButtons_;
-    ByName<CocoaTextField> textFields_;
-    ByName<CocoaPushButton> pushButtons_;
-    ByName<CocoaString> strings_;
+    std::map<std::string, AnyControl, std::less<>> controls_;
 };
 
 }  // namespace vantrel::cocoa

@@ -4,37 +4,42 @@
 
 namespace vantrel::cocoa {
 
-template <typename Object>
-Object *&CocoaOutlets::variable(std::string_view name) const {
-    static Object *none = nil;
+id &CocoaOutlets::variable(std::string_view name) const {
+    static id none = nil;
     Ivar found = class_getInstanceVariable([owner_ class], std::string(name).c_str());
     if (!found) return none;
     char *object = (char *)owner_;
-    return *reinterpret_cast<Object **>(object + ivar_getOffset(found));
+    return *reinterpret_cast<id *>(object + ivar_getOffset(found));
+}
+
+template <typename Control, typename Object>
+Control &CocoaOutlets::outlet(std::string_view name) {
+    const AnyControl control = Control(reinterpret_cast<Object *&>(variable(name)));
+    return *std::get_if<Control>(&controls_.try_emplace(std::string(name), control).first->second);
 }
 
 CheckBox &CocoaOutlets::checkBox(std::string_view name) {
-    return checkBoxes_.try_emplace(std::string(name), variable<NSButton>(name)).first->second;
+    return outlet<CocoaCheckBox, NSButton>(name);
 }
 
 RadioMatrix &CocoaOutlets::radioMatrix(std::string_view name) {
-    return radioMatrices_.try_emplace(std::string(name), variable<NSMatrix>(name)).first->second;
+    return outlet<CocoaRadioMatrix, NSMatrix>(name);
 }
 
 PopUpButton &CocoaOutlets::popUpButton(std::string_view name) {
-    return popUpButtons_.try_emplace(std::string(name), variable<NSPopUpButton>(name)).first->second;
+    return outlet<CocoaPopUpButton, NSPopUpButton>(name);
 }
 
 TextField &CocoaOutlets::textField(std::string_view name) {
-    return textFields_.try_emplace(std::string(name), variable<NSTextField>(name)).first->second;
+    return outlet<CocoaTextField, NSTextField>(name);
 }
 
 PushButton &CocoaOutlets::pushButton(std::string_view name) {
-    return pushButtons_.try_emplace(std::string(name), variable<NSButton>(name)).first->second;
+    return outlet<CocoaPushButton, NSButton>(name);
 }
 
 OwnedString &CocoaOutlets::string(std::string_view name) {
-    return strings_.try_emplace(std::string(name), variable<NSString>(name)).first->second;
+    return outlet<CocoaString, NSString>(name);
 }
 
 }  // namespace vantrel::cocoa
