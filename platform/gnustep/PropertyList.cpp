@@ -57,7 +57,7 @@ std::string elementFor(const NewPreferenceValue& value) {
     if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "<true/>" : "<false/>";
     if (const auto* number = std::get_if<long>(&value)) return "<integer>" + std::to_string(*number) + "</integer>";
     std::string element = "<string>";
-    appendText(element, std::get<std::string>(value));
+    appendText(element, *std::get_if<std::string>(&value));
     return element += "</string>";
 }
 

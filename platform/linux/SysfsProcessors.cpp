@@ -46,7 +46,8 @@ std::set<std::int32_t> processorsIn(std::string_view list) {
         for (auto processor = *first; processor <= *last; ++processor) processors.insert(processor);
     } while (takeCharacter(list, ','));
     takeCharacter(list, '\n');
-    return list.empty() ? processors : std::set<std::int32_t>{};
+    if (!list.empty()) return {};
+    return processors;
 }
 
 /// The number that is all of the file at `path`.

@@ -8,7 +8,7 @@ namespace {
 
 struct Reason {
     int error;
-    const char* text;
+    char text[64];
 };
 
 /// The reasons in our own words: the system's own come in the language of the process, and many are obscure.
