@@ -11,6 +11,7 @@
 #include "platform/gnustep/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
+#include "tests/platform/gnustep/CodecDomain.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
 namespace vantrel::gnustep {
@@ -18,8 +19,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::SizeIs;
-
-constexpr std::string_view appID = "com.vantrel.codec";
 
 /// The platform's own tool `defaults`, as a process of its own, and the store, on the same defaults folder.
 struct DefaultsToolTest : testing::Test {

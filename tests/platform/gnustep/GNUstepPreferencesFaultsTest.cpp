@@ -10,6 +10,7 @@
 #include "platform/gnustep/GNUstepPreferences.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
+#include "tests/platform/gnustep/CodecDomain.h"
 #include "tests/platform/gnustep/PropertyListTesting.h"
 #include "tests/platform/posix/Processes.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
@@ -26,9 +27,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
-
-constexpr std::string_view appID = "com.vantrel.codec";
-const std::string fileName = "com.vantrel.codec.plist";
 
 /// What stands under each key of a list.
 std::map<std::string, std::string> entriesOf(const std::string& bytes) {

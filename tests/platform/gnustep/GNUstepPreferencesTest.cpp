@@ -14,6 +14,7 @@
 #include "platform/gnustep/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
+#include "tests/platform/gnustep/CodecDomain.h"
 #include "tests/platform/posix/Processes.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
 #include "tests/platform/posix/TemporaryFolder.h"
@@ -28,8 +29,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-constexpr std::string_view appID = "com.vantrel.codec";
-const std::string fileName = "com.vantrel.codec.plist";
 const std::string damage = "<plist><dict><key>cut off";
 
 std::string listOf(const std::string& entries) {
