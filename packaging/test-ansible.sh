@@ -18,7 +18,8 @@ readonly hosts="damaged desk gone misspelt node1 node2 node3 node4 record"
 prepare_tree() {
     local architecture debs=("$packages"/{vantrel-prefpane,vantrelctl,libkvrxmetadatadictionary1}_*.deb)
     architecture=$(dpkg-deb --field "${debs[0]}" Architecture)
-    make_tree "$architecture" "$(depends_of "${debs[@]}"), python3, python3-apt"
+    make_tree "$architecture" "$(depends_of "$packages"/{vantrel-prefpane,libkvrxmetadatadictionary1}_*.deb)" \
+        "$(depends_of "$packages"/vantrelctl_*.deb), python3, python3-apt"
     in_tree useradd --create-home --uid 1001 ada
     mkdir "$tree/packages"
     cp "${debs[@]}" "$tree/packages"

@@ -40,43 +40,53 @@ depends_of() { # packages
     sed -E 's/libkvrxmetadatadictionary1 \([^)]*\)(, )?//g' <<<"$fields"
 }
 
-# Sets `tree` to a fresh Debian of an architecture in which a Depends field is satisfied, with an ordinary user.
-make_tree() { # architecture, Depends field
-    local archive
+# Sets `tree` to a fresh Debian of an architecture in which Depends fields are satisfied, one after the other, with an
+# ordinary user.
+make_tree() { # architecture, Depends fields
     mkdir -p "${tree_cache:?}/packages" "$tree_cache/tree"
     tree=$(realpath "$tree_cache/tree")
-    archive=$tree_cache/$suite-$1-$(sha256sum <<<"$2" | cut -c 1-12).tar
-    if [[ ! -f $archive ]]; then
-        # They share the folder of packages, so one is made at a time.
-        exec {lock}>"$tree_cache/lock"
-        flock "$lock"
-        [[ -f $archive ]] || make_archive "$archive" "$1" "$2"
-        exec {lock}>&-
-    fi
+    # They share the folder of packages, so one is made at a time.
+    exec {lock}>"$tree_cache/lock"
+    flock "$lock"
+    make_archive "$@"
+    exec {lock}>&-
     mount_memory
-    tar --extract --directory "$tree" --file "$archive"
+    tar --extract --directory "$tree" --file "$(archive_of "$@")"
     mount_inside
 }
 
-make_archive() { # file, architecture, Depends field
-    local packages site
+archive_of() { # architecture, Depends fields
+    echo "$tree_cache/$suite-$1-$(sha256sum <<<"${*:2}" | cut -c 1-12).tar"
+}
+
+# A tree with one field more stands on the one without it, which serves others as well.
+make_archive() { # architecture, Depends fields
+    local archive packages site
+    archive=$(archive_of "$@")
+    [[ -f $archive ]] && return
+    (($# == 1)) || make_archive "${@:1:$#-1}"
     packages=$(realpath "$tree_cache/packages")
-    site=$(mirror)
     mount_memory
-    debootstrap --variant=minbase --arch="$2" --cache-dir="$packages" "$suite" "$tree" "$site"
-    mount_inside
-    # No service starts in a tree.
-    printf '#!/bin/sh\nexit 101\n' >"$tree/usr/sbin/policy-rc.d"
-    chmod 755 "$tree/usr/sbin/policy-rc.d"
-    # apt's own user may not read everywhere that packages are bound into a tree, and there are no terminals.
-    printf 'APT::Sandbox::User "root";\nDpkg::Use-Pty "0";\n' >"$tree/etc/apt/apt.conf.d/tree"
-    in_tree useradd --create-home --uid "$editor_id" "$editor"
-    mount --bind "$packages" "$tree/var/cache/apt/archives"
-    in_tree apt-get --quiet --yes --no-install-recommends satisfy "$3"
-    umount "$tree/var/cache/apt/archives"
-    in_tree apt-get clean
-    tar --create --one-file-system --directory "$tree" --file "$1.new" .
-    mv "$1.new" "$1"
+    if (($# == 1)); then
+        site=$(mirror)
+        debootstrap --variant=minbase --arch="$1" --cache-dir="$packages" "$suite" "$tree" "$site"
+        mount_inside
+        # No service starts in a tree.
+        printf '#!/bin/sh\nexit 101\n' >"$tree/usr/sbin/policy-rc.d"
+        chmod 755 "$tree/usr/sbin/policy-rc.d"
+        # apt's own user may not read everywhere that packages are bound into a tree, and there are no terminals.
+        printf 'APT::Sandbox::User "root";\nDpkg::Use-Pty "0";\n' >"$tree/etc/apt/apt.conf.d/tree"
+        in_tree useradd --create-home --uid "$editor_id" "$editor"
+    else
+        tar --extract --directory "$tree" --file "$(archive_of "${@:1:$#-1}")"
+        mount_inside
+        mount --bind "$packages" "$tree/var/cache/apt/archives"
+        in_tree apt-get --quiet --yes --no-install-recommends satisfy "${@: -1}"
+        umount "$tree/var/cache/apt/archives"
+        in_tree apt-get clean
+    fi
+    tar --create --one-file-system --directory "$tree" --file "$archive.new" .
+    mv "$archive.new" "$archive"
     umount --recursive "$tree"
 }
 
