@@ -51,8 +51,10 @@ def run(*command):
     environment = dict(os.environ, PATH=f"{TESTS / 'stand-ins'}:{os.environ['PATH']}")
     for variable in ("CMAKE_GENERATOR", "LIBRARY_PATH", "CPLUS_INCLUDE_PATH"):
         environment.pop(variable, None)
-    result = subprocess.run(command, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                            check=False)
+    # clang leaves a folder behind for each file that it compiles for two architectures.
+    with tempfile.TemporaryDirectory() as environment["TMPDIR"]:
+        result = subprocess.run(command, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                                check=False)
     if result.returncode != 0:
         sys.exit(f"{result.stdout}\n{command[0]} failed")
     return result.stdout
