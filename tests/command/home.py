@@ -66,9 +66,11 @@ class HomeTest(unittest.TestCase):
                                  + f"\nGNUSTEP_USER_CONFIG_FILE={self.home}/none"
                                    f"\nGNUSTEP_USER_DEFAULTS_DIR={self.defaults}"
                                    f"\nGNUSTEP_USER_DIR_LIBRARY={self.home}/Library\n", encoding="utf-8")
-        # A leak sanitizer tells of the runtime's leaks, which aren't ours, only when it is asked.
+        # A leak sanitizer tells of the runtime's leaks, which aren't ours, only when it is asked. What it tells of ours
+        # has addresses only: to look up names, the runtime's as well, would take each process as long again.
         self.environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "TEMP": str(self.sockets),
-                            "GNUSTEP_CONFIG_FILE": str(configuration), "LSAN_OPTIONS": "print_suppressions=0"}
+                            "GNUSTEP_CONFIG_FILE": str(configuration), "LSAN_OPTIONS": "print_suppressions=0",
+                            "ASAN_OPTIONS": "symbolize=0"}
 
     def end_processes(self):
         mark = f"TEMP={self.sockets}".encode()
