@@ -34,9 +34,7 @@ public:
         const auto value = preferences_.copyAppValue(settings[index].name, codecApplicationID);
         if (const auto* flag = std::get_if<bool>(&value)) return *flag;
         if (const auto* text = std::get_if<std::string>(&value)) return *text;
-        const auto* number = std::get_if<Number>(&value);
-        require(number && number->longValue, "a value");
-        return *number->longValue;
+        return std::get<Number>(value).longValue.value();
     }
 
     void change(std::size_t index, bool flag) override {
