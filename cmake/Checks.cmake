@@ -17,7 +17,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
     list(JOIN rooms "|" any_room)
     add_custom_target(lint
         COMMAND shellcheck run test .ci/run ${scripts}
-        COMMAND run-clang-tidy -quiet -p ${PROJECT_BINARY_DIR} "^${PROJECT_SOURCE_DIR}/(${any_room})/"
+        COMMAND run-clang-tidy -quiet -p ${PROJECT_BINARY_DIR} "^(${PROJECT_SOURCE_DIR}|${PROJECT_BINARY_DIR})/(${any_room})/"
         WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} COMMENT "Looking for faults in every script and source" VERBATIM)
 endif()
 

@@ -5,11 +5,6 @@ target_link_libraries(test_main PUBLIC GTest::gmock)
 target_precompile_headers(test_main PRIVATE <gmock/gmock.h>)
 set_target_properties(test_main PROPERTIES POSITION_INDEPENDENT_CODE OFF)
 
-# What the sources of a program have in common, clang compiles once. g++ sees whether each includes what it uses.
-if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
-    set(unites_sources ON)
-endif()
-
 # add_test_program(name): makes an executable a test of CTest, all of its GoogleTest tests together: a process for each
 # of them would cost more than the tests. What fails is told by its own name, and --gtest_filter runs it alone.
 function(add_test_program name)
@@ -17,6 +12,6 @@ function(add_test_program name)
     get_target_property(sources ${name} SOURCES)
     if(NOT sources MATCHES "\\.mm")
         target_precompile_headers(${name} REUSE_FROM test_main)
-        set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF UNITY_BUILD "${unites_sources}")
+        set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
     endif()
 endfunction()

@@ -7,9 +7,6 @@
 namespace vantrel {
 namespace {
 
-constexpr std::string_view bold = "\033[1m";
-constexpr std::string_view plain = "\033[0m";
-
 struct Finding {
     /// What it is about: a setting or a file.
     std::string what;
@@ -127,8 +124,8 @@ Status doctor(Context& context, const Arguments& arguments) {
         if (arguments.json) {
             nodes.push_back(nodeOf(finding));
         } else {
-            std::cout << (context.isColorful ? bold : "") << finding.what << (context.isColorful ? plain : "") << ": "
-                      << finding.meaning << "; " << finding.mend << '\n';
+            std::cout << styled(context.isColorful ? bold : "", finding.what) << ": " << finding.meaning << "; "
+                      << finding.mend << '\n';
         }
     }
     if (arguments.json) std::cout << toJSON({nodes}) << '\n';

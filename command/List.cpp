@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::size_t width = 80;
 constexpr std::size_t gap = 2;
-constexpr std::string_view bold = "\033[1m";
-constexpr std::string_view yellow = "\033[33m";
-constexpr std::string_view red = "\033[31m";
-constexpr std::string_view plain = "\033[0m";
 
 /// A line of the table: name, value, state and title.
 using Row = std::array<std::string, 4>;
@@ -25,7 +21,7 @@ Row rowOf(const Setting& setting, const Standing& standing) {
             std::string(describe(standing.state)), std::string(setting.title())};
 }
 
-std::string_view colorOf(std::string_view state) {
+std::string_view styleOf(std::string_view state) {
     if (state == describe(State::stored)) return "";
     return state == describe(State::missing) ? yellow : red;
 }
@@ -42,14 +38,13 @@ void print(std::string_view group, const std::vector<Row>& rows, bool isColorful
     for (const auto column : widths) others += column;
     widths[valueColumn] = std::min(widths[valueColumn], width - others);
 
-    std::cout << (isColorful ? bold : "") << group << (isColorful ? plain : "") << '\n';
+    std::cout << styled(isColorful ? bold : "", group) << '\n';
     for (const auto& row : rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
-            const std::string_view color = isColorful && column == stateColumn ? colorOf(row[column]) : "";
+            const std::string_view style = isColorful && column == stateColumn ? styleOf(row[column]) : "";
             const bool isLast = column + 1 == row.size();
-            std::cout << std::string(gap, ' ') << color
-                      << (isLast ? row[column] : inColumns(row[column], widths[column]))
-                      << (color.empty() ? "" : plain);
+            const std::string cell = isLast ? row[column] : inColumns(row[column], widths[column]);
+            std::cout << std::string(gap, ' ') << styled(style, cell);
         }
         std::cout << '\n';
     }

@@ -14,8 +14,6 @@ namespace {
 
 constexpr const OverrideKey* overrides[] = {&overrideKeys::chromaFilter, &overrideKeys::decodeThreads};
 
-/// It has no control of its own.
-constexpr const SettingsKey& pathKey = key("ColorProcessingPath");
 constexpr const SettingsKey& stageKey = key("look");
 constexpr std::string_view pathTitle = "Stages and demosaic methods, as bits";
 

@@ -13,6 +13,9 @@
 
 namespace vantrel {
 
+/// Its setting has no control of its own.
+inline constexpr const SettingsKey& pathKey = key("ColorProcessingPath");
+
 /// One setting, as the pane shows it and as it is stored. A value is of the type that is stored: the index of an item,
 /// one thread less than the encoder's menu shows, 0 or 1 for the chroma filter.
 class Setting {

@@ -11,7 +11,6 @@
 namespace vantrel {
 namespace {
 
-constexpr const SettingsKey& pathKey = key("ColorProcessingPath");
 constexpr const SettingsKey& enablerKey = key("fcpRTEnableSwap");
 
 bool isFor(const Setting& setting, const SettingsKey& key) {
@@ -19,7 +18,7 @@ bool isFor(const Setting& setting, const SettingsKey& key) {
 }
 
 /// A stored value as one that can be written; nothing where it can't.
-std::optional<NewPreferenceValue> plain(const PreferenceValue& stored) {
+std::optional<NewPreferenceValue> writable(const PreferenceValue& stored) {
     if (const auto* flag = std::get_if<bool>(&stored)) return *flag;
     if (const auto* text = std::get_if<std::string>(&stored)) return *text;
     const auto* number = std::get_if<Number>(&stored);
@@ -72,7 +71,7 @@ std::string_view describe(EnablerState state) {
 }
 
 std::string shownText(const Setting& setting, const Standing& standing) {
-    const auto stored = standing.state == State::stored ? plain(standing.stored) : std::nullopt;
+    const auto stored = standing.state == State::stored ? writable(standing.stored) : std::nullopt;
     return stored ? onOneLine(setting.shown(*stored)) : std::string(describe(standing.state));
 }
 
@@ -119,7 +118,7 @@ std::vector<Change> Store::changes(const std::vector<Wish>& wishes) {
             throw Problem::failure(std::string(setting.name()) + ": the override metadata can't be opened");
         }
         const Standing before = standing(setting);
-        const auto stored = before.state == State::stored ? plain(before.stored) : std::nullopt;
+        const auto stored = before.state == State::stored ? writable(before.stored) : std::nullopt;
         std::string text = shownText(setting, before);
         bool isNeeded = stored != wish.value;
         const bool hasPart = setting.key() && setting.key()->path.index() != 0;
@@ -153,7 +152,7 @@ std::optional<Fault> Store::fault(const Setting& setting, const Standing& standi
                          (setting.key() ? ", so it counts as missing and the pane shows " : ", and the pane shows ") +
                          shown};
     }
-    const auto stored = plain(standing.stored);
+    const auto stored = writable(standing.stored);
     if (standing.state == State::missing || !stored) return std::nullopt;
     if (!setting.canShow(*stored)) return Fault{"outside", storedText(standing.stored) + " is not in its menu here"};
     const Standing path = this->path();

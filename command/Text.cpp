@@ -85,6 +85,11 @@ std::string inColumns(std::string_view text, std::size_t wanted) {
     return fitting.append(wanted - columns(fitting), ' ');
 }
 
+std::string styled(std::string_view style, std::string_view text) {
+    const std::string_view end = style.empty() ? "" : "\033[0m";
+    return std::string(style).append(text).append(end);
+}
+
 bool isSameName(std::string_view one, std::string_view other) {
     return std::equal(one.begin(), one.end(), other.begin(), other.end(),
                       [](char left, char right) { return lower(left) == lower(right); });

@@ -17,6 +17,14 @@ std::size_t columns(std::string_view text);
 /// `text` in so many columns: filled up with blanks, or without its start, which an ellipsis stands for.
 std::string inColumns(std::string_view text, std::size_t wanted);
 
+/// What begins a style on a terminal.
+inline constexpr std::string_view bold = "\033[1m";
+inline constexpr std::string_view yellow = "\033[33m";
+inline constexpr std::string_view red = "\033[31m";
+
+/// `text` in a style; without one as it is.
+std::string styled(std::string_view style, std::string_view text);
+
 /// Whether both are the same but for the case of English letters.
 bool isSameName(std::string_view one, std::string_view other);
 

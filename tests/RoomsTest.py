@@ -54,6 +54,8 @@ class Rooms(unittest.TestCase):
                 ours = included in self.sources
                 if ours and not any(is_in(included, place) for place in self.laws[room][0]):
                     yield f"{path}: {room} may not include {included}"
+                elif ours and not included.endswith(".h"):
+                    yield f"{path}: {included} is no header"
                 elif quote == '"' and not ours:
                     yield f"{path}: {included} is no file of ours by its path from the root"
                 elif self.is_plain_cpp(path) and not (
