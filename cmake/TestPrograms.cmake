@@ -1,6 +1,6 @@
 # test_main: GoogleMock with the usual main function. Its headers are compiled once for every program of tests, which
 # therefore is compiled like it.
-add_library(test_main STATIC ${gmock_SOURCE_DIR}/src/gmock_main.cc)
+add_library(test_main STATIC /usr/src/googletest/googlemock/src/gmock_main.cc)
 target_link_libraries(test_main PUBLIC GTest::gmock)
 target_precompile_headers(test_main PRIVATE <gmock/gmock.h>)
 set_target_properties(test_main PROPERTIES POSITION_INDEPENDENT_CODE OFF)
@@ -12,6 +12,6 @@ function(add_test_program name)
     get_target_property(sources ${name} SOURCES)
     if(NOT sources MATCHES "\\.mm")
         target_precompile_headers(${name} REUSE_FROM test_main)
-        set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+        set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF UNITY_BUILD ON)
     endif()
 endfunction()
