@@ -1,9 +1,11 @@
 #include "platform/gnustep/DefaultsLock.h"
 
+#include <fcntl.h>
 #include <sys/file.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <utility>
 
 #include "platform/posix/Descriptor.h"
@@ -21,17 +23,21 @@ double seconds(const struct timespec& time) {
 }  // namespace
 
 DefaultsLock::DefaultsLock(posix::SystemCalls& calls, std::string folder)
-    : calls_(calls), folder_(std::move(folder)), path_(folder_ + "/.lck/.GNUstepDefaults.lck") {}
+    : calls_(calls),
+      folder_(std::move(folder)),
+      path_(folder_ + "/.lck/.GNUstepDefaults.lck"),
+      aside_(folder_ + "/.lck/.Vantrel-free") {}
 
 DefaultsLock::~DefaultsLock() {
     release();
+    if (hasPutAside_) calls_.rmdir(aside_.c_str());
 }
 
 int DefaultsLock::take(posix::Patience& patience) {
     release();
     bool hasMadeFolders = false;
     bool hasBroken = false;
-    while (!isTaken_ && calls_.mkdir(path_.c_str(), 0755) != 0) {
+    while (!isTaken_ && make() != 0) {
         if (errno == ENOENT && !std::exchange(hasMadeFolders, true)) {
             if (posix::makeFolders(calls_, folder_ + "/.lck") != 0) return -1;
             continue;
@@ -53,6 +59,16 @@ int DefaultsLock::take(posix::Patience& patience) {
     return 0;
 }
 
+int DefaultsLock::make() {
+    // It has to be young before it stands there: GNUstep's programs break an old one at once. With the slash, only a
+    // folder is renamed.
+    if (calls_.utimensat(AT_FDCWD, aside_.c_str(), nullptr, AT_SYMLINK_NOFOLLOW) == 0) {
+        if (calls_.renameNoReplace((aside_ + '/').c_str(), path_.c_str()) == 0) return 0;
+        if (errno == EEXIST) return -1;
+    }
+    return calls_.mkdir(path_.c_str(), 0755);
+}
+
 bool DefaultsLock::isAbandoned() {
     const auto other = identityOf(path_);
     return other && isOld(*other);
@@ -61,9 +77,20 @@ bool DefaultsLock::isAbandoned() {
 void DefaultsLock::release() {
     if (!isTaken_) return;
     const auto now = identityOf(path_);
-    const bool isOurs = !held_ || !now || isSame(*held_, *now);
     // One that can't be looked at is most likely still ours, and left behind it would keep everyone waiting.
-    isTaken_ = isOurs && calls_.rmdir(path_.c_str()) != 0 && errno != ENOENT;
+    isTaken_ = !held_ || !now || isOurs(*now);
+    if (!isTaken_) return;
+    const bool isPutAside = calls_.rename(path_.c_str(), aside_.c_str()) == 0;
+    hasPutAside_ = hasPutAside_ || isPutAside;
+    // Something may have been put there meanwhile that is no empty folder.
+    isTaken_ = !isPutAside && calls_.rmdir(path_.c_str()) != 0 && errno != ENOENT;
+}
+
+/// Another process that wanted the one aside, and found it just before it was renamed, makes it a little younger just
+/// afterwards. One that was taken by another is younger by at least the age at which ours was broken.
+bool DefaultsLock::isOurs(const Identity& now) const {
+    return now.device == held_->device && now.file == held_->file &&
+           std::abs(seconds(now.made) - seconds(held_->made)) < oldAge;
 }
 
 bool DefaultsLock::isOld(const Identity& other) {

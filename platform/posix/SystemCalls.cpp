@@ -38,6 +38,10 @@ int SystemCalls::futimens(int descriptor, const struct timespec times[2]) {
     return ::futimens(descriptor, times);
 }
 
+int SystemCalls::utimensat(int folder, const char* path, const struct timespec times[2], int flags) {
+    return ::utimensat(folder, path, times, flags);
+}
+
 int SystemCalls::fstat(int descriptor, struct stat* status) {
     return ::fstat(descriptor, status);
 }

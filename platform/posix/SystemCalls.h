@@ -23,6 +23,8 @@ public:
     virtual int fchmod(int descriptor, mode_t mode);
     /// Sets when an open file was last read and written, in that order.
     virtual int futimens(int descriptor, const struct timespec times[2]);
+    /// The same by path, from the folder that is open as `folder`; now, without `times`.
+    virtual int utimensat(int folder, const char* path, const struct timespec times[2], int flags);
     virtual int fstat(int descriptor, struct stat* status);
     virtual int stat(const char* path, struct stat* status);
     virtual int lstat(const char* path, struct stat* status);

@@ -188,12 +188,14 @@ void prepare(const Flow &flow) {
 
 /// Runs `work` in a process of its own, whose log is in `logFile`. Returns what `waitpid` tells of it.
 int inProcess(const std::function<void()> &work) {
+    std::fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
         const int log = open(logFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         if (log < 0 || dup2(log, STDERR_FILENO) < 0) _exit(2);
         work();
-        _exit(0);
+        // As a host ends that is quit: the bundle tidies up.
+        std::exit(0);
     }
     int status = 0;
     if (child < 0 || waitpid(child, &status, 0) != child) throw std::runtime_error("can't run a process");

@@ -142,6 +142,8 @@ STAND_BEFORE(ssize_t, read, (int descriptor, void* buffer, std::size_t size), (d
 STAND_BEFORE(ssize_t, write, (int descriptor, const void* buffer, std::size_t size), (descriptor, buffer, size))
 STAND_BEFORE(int, fchmod, (int descriptor, mode_t mode), (descriptor, mode))
 STAND_BEFORE(int, futimens, (int descriptor, const struct timespec times[2]), (descriptor, times))
+STAND_BEFORE(int, utimensat, (int folder, const char* path, const struct timespec times[2], int flags),
+             (folder, path, times, flags))
 STAND_BEFORE(int, flock, (int descriptor, int operation), (descriptor, operation))
 STAND_BEFORE(int, open64, (const char* path, int flags, mode_t mode), (path, flags, mode))
 STAND_BEFORE(int, fstat64, (int descriptor, struct stat64* status), (descriptor, status))

@@ -3,8 +3,10 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/gnustep/DefaultsLock.h"
 #include "tests/platform/posix/SystemCallsWithOwnClock.h"
@@ -17,6 +19,9 @@ constexpr double longestWait = 1.5;
 
 /// A defaults folder, and its lock as a process sees it that waits only in its own time.
 struct DefaultsLockTest : testing::Test {
+    /// What is done before and after a call is the test's, and the lock outlives that.
+    ~DefaultsLockTest() override { calls.before = calls.after = nullptr; }
+
     /// With the patience of one click.
     bool take(DefaultsLock& which) {
         posix::Patience patience(calls, longestWait);
@@ -33,10 +38,14 @@ struct DefaultsLockTest : testing::Test {
     /// Makes the lock `seconds` after the time it is for `lock`.
     void takeAsAnother(time_t seconds = 0) {
         folder.makeFolder(lockName);
+        setTime(lockName, seconds);
+    }
+    /// Sets when a folder was changed, in seconds from the time it is for `lock`.
+    void setTime(const std::string& name, time_t seconds) {
         auto time = calls.now();
         time.tv_sec += seconds;
         const struct timespec times[] = {time, time};
-        ASSERT_EQ(utimensat(AT_FDCWD, (folder / lockName).c_str(), times, 0), 0);
+        ASSERT_EQ(utimensat(AT_FDCWD, (folder / name).c_str(), times, 0), 0);
     }
     void freeAsAnother() { std::filesystem::remove(folder / lockName); }
     /// Another breaks the lock that stands there and takes its own, which has another number.
@@ -45,7 +54,12 @@ struct DefaultsLockTest : testing::Test {
         takeAsAnother();
     }
 
+    bool isAside() { return std::filesystem::exists(std::filesystem::symlink_status(folder / asideName)); }
+    /// Nothing is left beside what was put aside.
+    bool isTidy() { return std::filesystem::remove(folder / asideName) && std::filesystem::is_empty(folder / ".lck"); }
+
     const std::string lockName = ".lck/.GNUstepDefaults.lck";
+    const std::string asideName = ".lck/.Vantrel-free";
     posix::TemporaryFolder folder;
     posix::SystemCallsWithOwnClock calls;
     DefaultsLock lock{calls, folder.path};
@@ -90,6 +104,139 @@ TEST_F(DefaultsLockTest, AFolderThatCantBeWrittenIsGivenUpAtOnce) {
         EXPECT_EQ(errno, error);
     }
     EXPECT_EQ(calls.count("nanosleep"), 0);
+}
+
+// Putting aside
+
+TEST_F(DefaultsLockTest, TheNextProcessTakesWhatOneHasPutAside) {
+    ASSERT_TRUE(take());
+    lock.release();
+    const auto made = calls.count("mkdir");
+    DefaultsLock another(calls, folder.path);
+    EXPECT_TRUE(take(another));
+    EXPECT_TRUE(isTaken());
+    EXPECT_FALSE(isAside());
+    EXPECT_EQ(calls.count("mkdir"), made);
+}
+
+TEST_F(DefaultsLockTest, WhatWasPutAsideIsGoneAtTheEnd) {
+    {
+        DefaultsLock scoped(calls, folder.path);
+        for (int taken = 0; taken < 2; ++taken) {
+            ASSERT_TRUE(take(scoped));
+            scoped.release();
+        }
+        EXPECT_TRUE(isAside());
+    }
+    EXPECT_FALSE(isAside());
+}
+
+TEST_F(DefaultsLockTest, WhatAProcessThatDiedLeftAsideIsGoneAtTheEndOfTheNext) {
+    folder.makeFolder(asideName);
+    {
+        DefaultsLock scoped(calls, folder.path);
+        ASSERT_TRUE(take(scoped));
+    }
+    EXPECT_FALSE(isAside());
+}
+
+TEST_F(DefaultsLockTest, OneThatWasNeverTakenLeavesWhatAnotherHasPutAside) {
+    folder.makeFolder(asideName);
+    { const DefaultsLock scoped(calls, folder.path); }
+    EXPECT_TRUE(isAside());
+}
+
+TEST_F(DefaultsLockTest, TheEndOfOneDoesntKeepAnotherFromTakingIt) {
+    {
+        DefaultsLock scoped(calls, folder.path);
+        ASSERT_TRUE(take(scoped));
+        scoped.release();
+        ASSERT_TRUE(take());
+        lock.release();
+    }
+    EXPECT_TRUE(take());
+    EXPECT_TRUE(isTaken());
+}
+
+TEST_F(DefaultsLockTest, WhatStoodAsideForAnHourIsAsYoungAsANewOneFromTheMomentItIsTaken) {
+    folder.makeFolder(asideName);
+    setTime(asideName, -3600);
+    calls.after = [this](const std::string& name) {
+        if (name != "renameNoReplace") return;
+        EXPECT_GE(std::filesystem::last_write_time(folder / lockName),
+                  std::filesystem::last_write_time(folder / "new"));
+    };
+    folder.makeFolder("new");
+    EXPECT_TRUE(take());
+    EXPECT_EQ(calls.count("renameNoReplace"), 1);
+}
+
+TEST_F(DefaultsLockTest, WhatCantBeMadeYoungIsNotTaken) {
+    folder.makeFolder(asideName);
+    calls.failEvery("utimensat", EPERM);
+    EXPECT_TRUE(take());
+    EXPECT_TRUE(isAside());
+}
+
+TEST_F(DefaultsLockTest, WhereEveryRenamingOverwritesANewOneIsMade) {
+    calls.failEvery("renameNoReplace", EINVAL);
+    for (int taken = 0; taken < 2; ++taken) {
+        EXPECT_TRUE(take());
+        EXPECT_TRUE(isTaken());
+        lock.release();
+        EXPECT_FALSE(isTaken());
+    }
+    EXPECT_TRUE(isTidy());
+}
+
+TEST_F(DefaultsLockTest, OneThatAnotherHoldsStaysThoughOneIsAside) {
+    folder.makeFolder(asideName);
+    takeAsAnother();
+    const auto others = number();
+    EXPECT_FALSE(take());
+    EXPECT_EQ(number(), others);
+    EXPECT_EQ(calls.count("mkdir"), 0);
+}
+
+TEST_F(DefaultsLockTest, WhatSomebodyPutInThatPlaceIsNeverTheLockUnlessItIsAFolder) {
+    folder.makeFolder(".lck");
+    folder.makeFolder("elsewhere");
+    setTime("elsewhere", -3600);
+    const auto time = std::filesystem::last_write_time(folder / "elsewhere");
+    const std::vector<std::function<void(const std::string&)>> plants{
+        [&](const std::string&) { folder.write(asideName, ""); },
+        [](const std::string& path) { std::filesystem::create_symlink("nowhere", path); },
+        [&](const std::string& path) { std::filesystem::create_directory_symlink(folder / "elsewhere", path); }};
+    for (const auto& plant : plants) {
+        plant(folder / asideName);
+        DefaultsLock scoped(calls, folder.path);
+        for (int taken = 0; taken < 2; ++taken) {
+            EXPECT_TRUE(take(scoped));
+            EXPECT_TRUE(std::filesystem::is_directory(std::filesystem::symlink_status(folder / lockName)));
+            scoped.release();
+            EXPECT_FALSE(isTaken());
+        }
+        EXPECT_EQ(std::filesystem::last_write_time(folder / "elsewhere"), time);
+        EXPECT_TRUE(isTidy());
+    }
+}
+
+TEST_F(DefaultsLockTest, WhatSomebodyPutIntoTheOneAsideStays) {
+    folder.makeFolder(asideName + "/somebody's");
+    {
+        DefaultsLock scoped(calls, folder.path);
+        EXPECT_TRUE(take(scoped));
+    }
+    EXPECT_FALSE(isTaken());
+    EXPECT_TRUE(std::filesystem::exists(folder / (asideName + "/somebody's")));
+}
+
+TEST_F(DefaultsLockTest, WhereSomethingCameInThatPlaceMeanwhileItIsRemoved) {
+    ASSERT_TRUE(take());
+    folder.makeFolder(asideName + "/somebody's");
+    lock.release();
+    EXPECT_FALSE(isTaken());
+    EXPECT_TRUE(std::filesystem::exists(folder / (asideName + "/somebody's")));
 }
 
 // Waiting
@@ -162,7 +309,7 @@ TEST_F(DefaultsLockTest, OneThatIsOlderThanTwentySecondsIsBrokenAtOnce) {
     EXPECT_TRUE(take());
     EXPECT_EQ(calls.count("nanosleep"), 0);
     lock.release();
-    EXPECT_TRUE(std::filesystem::is_empty(folder / ".lck"));
+    EXPECT_TRUE(isTidy());
 }
 
 TEST_F(DefaultsLockTest, OneThatIsNineteenSecondsOldIsWaitedFor) {
@@ -231,7 +378,7 @@ TEST_F(DefaultsLockTest, OfTwoThatBreakAnOldOneTheSecondLeavesTheFirstOnesAlone)
         calls.before = nullptr;
         EXPECT_EQ(number(), firstOnes) << at;
         first.release();
-        EXPECT_TRUE(std::filesystem::is_empty(folder / ".lck")) << at;
+        EXPECT_TRUE(isTidy()) << at;
     }
 }
 
@@ -270,7 +417,7 @@ TEST_F(DefaultsLockTest, WhatABreakerLeftThatDiedIsGoneWithTheNextOneThatIsBroke
     calls.pass(30);
     EXPECT_TRUE(take());
     lock.release();
-    EXPECT_TRUE(std::filesystem::is_empty(folder / ".lck"));
+    EXPECT_TRUE(isTidy());
 }
 
 // Our own
@@ -289,8 +436,26 @@ TEST_F(DefaultsLockTest, OneThatCouldntBeLookedAtIsFreed) {
     EXPECT_FALSE(isTaken());
 }
 
+TEST_F(DefaultsLockTest, OneThatAnotherMadeYoungerJustAfterItWasTakenIsFreed) {
+    ASSERT_TRUE(take());
+    setTime(lockName, 1);
+    lock.release();
+    EXPECT_FALSE(isTaken());
+}
+
+TEST_F(DefaultsLockTest, OneThatWasTakenTwentySecondsLaterIsNotFreedThoughItHasTheSameNumber) {
+    for (const time_t seconds : {21, -21}) {
+        ASSERT_TRUE(take());
+        setTime(lockName, seconds);
+        lock.release();
+        EXPECT_TRUE(isTaken());
+        freeAsAnother();
+    }
+}
+
 TEST_F(DefaultsLockTest, OneThatCouldntBeFreedIsFreedTheNextTime) {
     ASSERT_TRUE(take());
+    calls.fail("rename", EIO);
     calls.fail("rmdir", EIO);
     lock.release();
     ASSERT_TRUE(isTaken());
@@ -300,18 +465,18 @@ TEST_F(DefaultsLockTest, OneThatCouldntBeFreedIsFreedTheNextTime) {
 
 TEST_F(DefaultsLockTest, OneThatCouldntBeFreedIsStillHeldWhenItIsTakenAgain) {
     ASSERT_TRUE(take());
-    calls.failEvery("rmdir", EIO);
+    for (const auto* call : {"rename", "rmdir"}) calls.failEvery(call, EIO);
     lock.release();
     EXPECT_TRUE(take());
     EXPECT_EQ(calls.count("nanosleep"), 0);
-    calls.failEvery("rmdir", 0);
+    for (const auto* call : {"rename", "rmdir"}) calls.failEvery(call, 0);
     lock.release();
     EXPECT_FALSE(isTaken());
 }
 
 TEST_F(DefaultsLockTest, OneThatCouldntBeFreedAndThatAnotherBrokeIsTheOthers) {
     ASSERT_TRUE(take());
-    calls.fail("rmdir", EIO);
+    for (const auto* call : {"rename", "rmdir"}) calls.fail(call, EIO);
     lock.release();
     breakAsAnother();
     EXPECT_FALSE(take());

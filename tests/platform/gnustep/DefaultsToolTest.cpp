@@ -3,14 +3,20 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "platform/gnustep/DefaultsLock.h"
 #include "platform/gnustep/GNUstepPreferences.h"
 #include "platform/gnustep/PropertyList.h"
 #include "platform/memory/Journal.h"
 #include "platform/memory/MemorySystem.h"
+#include "platform/posix/Patience.h"
+#include "platform/posix/SystemCalls.h"
 #include "tests/platform/gnustep/CodecDomain.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
@@ -173,6 +179,27 @@ TEST_F(DefaultsToolTest, ItsKeysAndTheStoresStayWhenBothWriteInTurn) {
     EXPECT_EQ(text("theirs"), "2");
     EXPECT_EQ(toolReads("theirs"), "2");
     EXPECT_EQ(toolReads("ours"), "0");
+}
+
+TEST_F(DefaultsToolTest, ItWaitsForTheStoresLockThoughThatStoodAsideForAnHour) {
+    using Clock = std::chrono::steady_clock;
+    const auto begin = Clock::now();
+    toolWrites("theirs", "1");
+    const auto itsTime = Clock::now() - begin;
+    const auto aside = home / "Defaults/.lck/.Vantrel-free";
+    std::filesystem::create_directory(aside);
+    std::filesystem::last_write_time(aside, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    DefaultsLock lock(posix::SystemCalls::real(), home / "Defaults");
+    posix::Patience patience(posix::SystemCalls::real(), 1);
+    ASSERT_EQ(lock.take(patience), 0);
+    ASSERT_FALSE(std::filesystem::exists(aside));
+
+    const pid_t tool = start({"write", std::string(appID), "theirs", "2"});
+    std::this_thread::sleep_for(5 * itsTime);
+    EXPECT_EQ(waitpid(tool, nullptr, WNOHANG), 0);
+    lock.release();
+    EXPECT_TRUE(succeeds(tool));
+    EXPECT_EQ(text("theirs"), "2");
 }
 
 TEST_F(DefaultsToolTest, NoKeyIsLostWhenBothWriteAtTheSameTime) {

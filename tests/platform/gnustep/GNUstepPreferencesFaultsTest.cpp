@@ -39,12 +39,16 @@ std::map<std::string, std::string> entriesOf(const std::string& bytes) {
 const std::string oldFile = listOf("<key>data</key><data>AA==</data><key>look</key><false/>");
 const std::string newFile = listOf("<key>data</key><data>AA==</data><key>look</key><true/>");
 
-/// A defaults folder with an old file in it; each attempt writes "look" as true and synchronises.
+const std::string lockName = ".lck/.GNUstepDefaults.lck";
+
+/// A defaults folder with an old file in it, and another folder; each attempt writes "look" as true and synchronises.
 struct Attempt {
-    Attempt() {
-        folder.makeFolder(".lck");
+    explicit Attempt(const std::string& folderThere = ".lck") {
+        folder.makeFolder(folderThere);
         folder.write(fileName, oldFile);
     }
+    /// What is done before and after a call is the test's, and the store outlives that.
+    ~Attempt() { calls.before = calls.after = nullptr; }
 
     bool write(bool look = true) {
         preferences.setAppValue("look", look, appID);
@@ -72,8 +76,8 @@ struct Attempt {
 };
 
 /// The calls that one undisturbed attempt makes.
-std::vector<std::string> callsOfAnAttempt() {
-    Attempt attempt;
+std::vector<std::string> callsOfAnAttempt(const std::string& folderThere) {
+    Attempt attempt(folderThere);
     EXPECT_TRUE(attempt.write());
     EXPECT_EQ(attempt.folder.read(fileName), newFile);
     return attempt.calls.made();
@@ -84,7 +88,7 @@ void expectNoLockInTheWay(Attempt& attempt) {
     attempt.calls.pass(21);
     EXPECT_TRUE(attempt.write(false));
     EXPECT_EQ(attempt.folder.read(fileName), oldFile);
-    EXPECT_TRUE(std::filesystem::is_empty(attempt.folder / ".lck"));
+    EXPECT_FALSE(std::filesystem::exists(attempt.folder / lockName));
 }
 
 /// What must hold after an attempt that failed: nothing lost here, nothing broken there, and all is well the next time.
@@ -109,13 +113,17 @@ void expectRecovery(Attempt& attempt, bool saidItWasDone) {
 
 using GNUstepPreferencesFaults = testing::Test;
 
-TEST_F(GNUstepPreferencesFaults, WhicheverCallFailsTheFileIsWholeAndTheValuesReachItTheNextTime) {
+/// Without a lock that was put aside, and with one.
+struct GNUstepPreferencesEachCall : testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(, GNUstepPreferencesEachCall, testing::Values(".lck", ".lck/.Vantrel-free"));
+
+TEST_P(GNUstepPreferencesEachCall, WhicheverCallFailsTheFileIsWholeAndTheValuesReachItTheNextTime) {
     std::map<std::string, int> seen;
-    for (const auto& name : callsOfAnAttempt()) {
+    for (const auto& name : callsOfAnAttempt(GetParam())) {
         const int nth = ++seen[name];
         for (const int error : {EIO, ENOSPC, EACCES}) {
             SCOPED_TRACE(name + " number " + std::to_string(nth) + " fails with error " + std::to_string(error));
-            Attempt attempt;
+            Attempt attempt(GetParam());
             attempt.calls.failNth(name, nth, error);
             expectRecovery(attempt, attempt.write());
         }
@@ -123,14 +131,14 @@ TEST_F(GNUstepPreferencesFaults, WhicheverCallFailsTheFileIsWholeAndTheValuesRea
 }
 
 /// Looks at what isn't known to have changed, and what is done for others: for who comes later, or at the same time.
-const std::set<std::string> canBeDoneWithout{"clockGettime", "close", "flock", "futimens",
-                                             "lstat",        "mkdir", "rmdir", "scandir"};
+const std::set<std::string> canBeDoneWithout{"clockGettime", "close",           "flock", "futimens", "lstat",
+                                             "mkdir",        "renameNoReplace", "rmdir", "scandir",  "utimensat"};
 
-TEST_F(GNUstepPreferencesFaults, WhicheverCallFailsForAWhileTheValuesReachTheFileAfterIt) {
-    const auto made = callsOfAnAttempt();
+TEST_P(GNUstepPreferencesEachCall, WhicheverCallFailsForAWhileTheValuesReachTheFileAfterIt) {
+    const auto made = callsOfAnAttempt(GetParam());
     for (const auto& name : std::set<std::string>(made.begin(), made.end())) {
         SCOPED_TRACE(name + " fails");
-        Attempt attempt;
+        Attempt attempt(GetParam());
         attempt.calls.failEvery(name, EIO);
         const bool done = attempt.write() && attempt.preferences.synchronize(appID);
         EXPECT_EQ(done, canBeDoneWithout.contains(name));
@@ -174,19 +182,20 @@ TEST_F(GNUstepPreferencesFaults, ARenamingThatWasNotWrittenThroughIsDoneAgainTho
     EXPECT_FALSE(attempt.write());
     EXPECT_EQ(attempt.folder.read(fileName), newFile);
     EXPECT_TRUE(attempt.preferences.synchronize(appID));
-    EXPECT_EQ(attempt.calls.count("rename"), 2);
+    // Each time the file, and the lock that is freed.
+    EXPECT_EQ(attempt.calls.count("rename"), 4);
     EXPECT_EQ(attempt.calls.count("fsync"), 4);
     EXPECT_TRUE(attempt.preferences.synchronize(appID));
-    EXPECT_EQ(attempt.calls.count("rename"), 2);
+    EXPECT_EQ(attempt.calls.count("rename"), 4);
 }
 
-TEST_F(GNUstepPreferencesFaults, WhereverTheProcessDiesTheFileIsOldOrNewAndTheNextOneCanWrite) {
+TEST_P(GNUstepPreferencesEachCall, WhereverTheProcessDiesTheFileIsOldOrNewAndTheNextOneCanWrite) {
     int deaths = 0;
     int oldFiles = 0;
     // How often a young file is looked at depends on the time, so the calls are not counted beforehand.
     for (std::size_t last = 0;; ++last) {
         SCOPED_TRACE("dies at call " + std::to_string(last + 1));
-        Attempt attempt;
+        Attempt attempt(GetParam());
         const bool isDead = posix::killedBeforeCall(last, [&](posix::SystemCalls& killing) {
             GNUstepPreferences preferences(attempt.folder.path, attempt.log, killing);
             preferences.setAppValue("look", true, appID);
@@ -422,8 +431,8 @@ TEST_F(GNUstepPreferencesLog, ASynchroniseWithNothingToStoreHasNothingToTell) {
 // Without the lock
 
 struct GNUstepPreferencesLock : testing::Test {
-    void takeAsAnother() { attempt.folder.makeFolder(".lck/.GNUstepDefaults.lck"); }
-    void freeAsAnother() { std::filesystem::remove(attempt.folder / ".lck/.GNUstepDefaults.lck"); }
+    void takeAsAnother() { attempt.folder.makeFolder(lockName); }
+    void freeAsAnother() { std::filesystem::remove(attempt.folder / lockName); }
     /// Another program that takes no lock replaces the file.
     void replaceAsAnother(int number) {
         attempt.folder.write("new", listOf("<key>n</key><integer>" + std::to_string(number) + "</integer>"));
@@ -439,7 +448,7 @@ TEST_F(GNUstepPreferencesLock, OneThatStandsIsWaitedForForTwoSecondsAtMostAndGon
     EXPECT_EQ(attempt.folder.read(fileName), newFile);
     EXPECT_GE(attempt.calls.secondsSlept(), 1);
     EXPECT_LE(attempt.calls.secondsSlept(), 2);
-    EXPECT_TRUE(std::filesystem::exists(attempt.folder / ".lck/.GNUstepDefaults.lck"));
+    EXPECT_TRUE(std::filesystem::exists(attempt.folder / lockName));
 }
 
 TEST_F(GNUstepPreferencesLock, ThatItWasGoneWithoutIsToldOnceAndOnceWhenItIsOver) {
@@ -447,7 +456,7 @@ TEST_F(GNUstepPreferencesLock, ThatItWasGoneWithoutIsToldOnceAndOnceWhenItIsOver
     for (int click = 0; click < 4; ++click) EXPECT_TRUE(attempt.write(click % 2 == 0));
     freeAsAnother();
     for (int click = 0; click < 4; ++click) EXPECT_TRUE(attempt.write(click % 2 == 0));
-    const auto lock = attempt.folder / ".lck/.GNUstepDefaults.lck";
+    const auto lock = attempt.folder / lockName;
     EXPECT_THAT(attempt.journal.lines(),
                 ElementsAre("log “com.vantrel.codec.plist” is stored without its lock because this is in use: " + lock,
                             "log “com.vantrel.codec.plist” is stored with its lock again: " + lock));
@@ -513,18 +522,19 @@ TEST_F(GNUstepPreferencesLock, AllOfASequenceWaitsForTwoSecondsTogether) {
         // A lock that isn't the one before.
         takeAsAnother();
         EXPECT_TRUE(attempt.write(group % 2 == 0));
-        std::filesystem::rename(attempt.folder / ".lck/.GNUstepDefaults.lck", attempt.folder / std::to_string(group));
+        std::filesystem::rename(attempt.folder / lockName, attempt.folder / std::to_string(group));
     }
     EXPECT_LE(attempt.calls.secondsSlept(), 2);
 }
 
 TEST_F(GNUstepPreferencesLock, OneThatCouldntBeFreedIsFreedByTheNextSynchroniseThoughItHasNothingToStore) {
-    attempt.calls.failEvery("rmdir", EIO);
+    // The file's renaming comes first.
+    for (const int nth : {2, 3}) attempt.calls.failNth("rename", nth, EIO);
+    for (const int nth : {1, 2}) attempt.calls.failNth("rmdir", nth, EIO);
     EXPECT_TRUE(attempt.write());
-    EXPECT_FALSE(std::filesystem::is_empty(attempt.folder / ".lck"));
-    attempt.calls.failEvery("rmdir", 0);
+    EXPECT_TRUE(std::filesystem::exists(attempt.folder / lockName));
     EXPECT_TRUE(attempt.preferences.synchronize(appID));
-    EXPECT_TRUE(std::filesystem::is_empty(attempt.folder / ".lck"));
+    EXPECT_FALSE(std::filesystem::exists(attempt.folder / lockName));
 }
 
 }  // namespace

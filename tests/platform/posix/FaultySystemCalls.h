@@ -67,6 +67,9 @@ public:
     int futimens(int descriptor, const struct timespec times[2]) override {
         return run("futimens", [&] { return SystemCalls::futimens(descriptor, times); });
     }
+    int utimensat(int folder, const char* path, const struct timespec times[2], int flags) override {
+        return run("utimensat", [&] { return SystemCalls::utimensat(folder, path, times, flags); });
+    }
     int fstat(int descriptor, struct stat* status) override {
         return run("fstat", [&] { return SystemCalls::fstat(descriptor, status); });
     }
