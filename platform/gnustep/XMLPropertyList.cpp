@@ -14,8 +14,6 @@
 namespace vantrel::gnustep {
 namespace {
 
-constexpr std::array<std::string_view, 7> scalars{"string", "integer", "true", "false", "real", "data", "date"};
-
 bool isSpace(char character) {
     return character == ' ' || character == '\n' || character == '\t' || character == '\r';
 }
@@ -25,32 +23,25 @@ bool isInName(char character) {
     return !isSpace(character) && std::string_view("<>/=?!&'\"[]").find(character) == std::string_view::npos;
 }
 
-/// Whether `text` is UTF-8 and has only what XML can hold.
-bool isXML(std::string_view text) {
-    for (std::size_t at = 0; at < text.size();) {
-        if ((text[at] >= ' ' && text[at] <= '~') || text[at] == '\n' || text[at] == '\t') {
-            ++at;
-            continue;
-        }
-        const auto character = text::firstOf(text.substr(at));
-        if (character.isDamage() || !isXMLCharacter(character.number)) return false;
-        at += character.length;
-    }
-    return true;
-}
-
 /// What stands between the tags of `element`.
 std::string_view contentOf(std::string_view element) {
     const auto start = element.find('>') + 1;
     return element.substr(start, std::max(element.rfind('<'), start) - start);
 }
 
-/// Whether `content` means just its own characters.
-bool isPlain(std::string_view content) {
-    for (const char character : content) {
-        if (character == '&' || character == '<' || character == '\r' || character == '\\') return false;
-    }
-    return true;
+/// The characters that mean themselves in a text, whatever stands beside them.
+constexpr auto ordinary = [] {
+    std::array<bool, 256> ordinary{};
+    std::fill(ordinary.begin() + ' ', ordinary.begin() + '~' + 1, true);
+    for (const unsigned char other : {'<', '&', ']', '\\'}) ordinary[other] = false;
+    return ordinary;
+}();
+
+/// How many characters at the start of `text` mean themselves.
+std::size_t ordinaryAt(std::string_view text) {
+    std::size_t size = 0;
+    while (size < text.size() && ordinary[static_cast<unsigned char>(text[size])]) ++size;
+    return size;
 }
 
 /// Walks along XML. What is taken is sound; what is not sound stays, and nothing that comes next is the like of it.
@@ -59,10 +50,8 @@ public:
     explicit Reader(std::string_view xml) : xml_(xml), rest_(xml) {}
 
     std::optional<XMLPropertyList> list() {
-        if (!isXML(xml_)) return std::nullopt;
-        std::size_t keys = 0;
-        for (auto at = xml_.find("<key"); at != std::string_view::npos; at = xml_.find("<key", at + 1)) ++keys;
-        found_.entries.reserve(keys);
+        // Room for entries of the usual length; doubled twice, for the shortest, and no more.
+        found_.entries.reserve(xml_.size() / (4 * std::string_view("<key/><true/>").size()) + 1);
         return takeList() ? std::optional(std::move(found_)) : std::nullopt;
     }
 
@@ -77,7 +66,7 @@ public:
 private:
     bool takeList() {
         skipSpace();
-        take(byteOrderMark);
+        take(byteOrderMark.data());
         // The XML declaration, unless it is another instruction whose name starts like it.
         const auto start = rest_;
         if (take("<?xml") && !(takeAttributes() && take("?>"))) rest_ = start;
@@ -109,7 +98,7 @@ private:
 
     bool takeTop() {
         const auto start = position();
-        if (!rest_.starts_with("<dict") || !takeValue(0)) return false;
+        if (!sizeOfNext("<dict") || !takeValue(0)) return false;
         found_.dictionaryEnd = static_cast<std::uint32_t>(xml_.rfind('<', position() - 1));
         found_.isOneTag = found_.dictionaryEnd == start;
         return true;
@@ -118,24 +107,23 @@ private:
     /// `depth` is how many containers stand around it.
     bool takeValue(std::size_t depth) {
         if (!take("<")) return false;
-        const auto name = takeWhile([](char character) { return character >= 'a' && character <= 'z'; });
-        if (std::find(scalars.begin(), scalars.end(), name) != scalars.end()) {
-            return takeElement(name, [this] { return takeText(); });
+        for (const char* name : {"string", "integer", "true", "false", "real", "data", "date"}) {
+            if (take(name)) return takeElement(name, [this] { return takeText(); });
         }
         if (depth > deepestNesting) return false;
-        if (name == "array") return takeElement(name, [=, this] { return takeItems(depth + 1); });
-        return name == "dict" && takeElement(name, [=, this] { return takeEntries(depth + 1); });
+        if (take("array")) return takeElement("array", [=, this] { return takeItems(depth + 1); });
+        return take("dict") && takeElement("dict", [=, this] { return takeEntries(depth + 1); });
     }
 
     bool takeItems(std::size_t depth) {
-        for (skipAround(); !rest_.starts_with("</"); skipAround()) {
+        for (skipAround(); !sizeOfNext("</"); skipAround()) {
             if (!takeValue(depth)) return false;
         }
         return true;
     }
 
     bool takeEntries(std::size_t depth) {
-        for (skipAround(); !rest_.starts_with("</"); skipAround()) {
+        for (skipAround(); !sizeOfNext("</"); skipAround()) {
             PropertyListEntry entry{};
             entry.start = position();
             if (!take("<key") || !takeElement("key", [this] { return takeText(); })) return false;
@@ -153,12 +141,12 @@ private:
 
     /// What follows the name of a start tag, up to the end of the element.
     template <typename Content>
-    bool takeElement(std::string_view name, Content takeContent) {
+    bool takeElement(const char* name, Content takeContent) {
         skipSpace();
         return take("/>") || (take(">") && takeContent() && takeEndTag(name));
     }
 
-    bool takeEndTag(std::string_view name) {
+    bool takeEndTag(const char* name) {
         if (!take("</") || !take(name)) return false;
         skipSpace();
         return take(">");
@@ -167,35 +155,44 @@ private:
     /// Up to the next tag. What it means is appended to `meaning`.
     bool takeText(std::string* meaning = nullptr) {
         for (;;) {
-            const auto plain = takeWhile([](char character) { return character != '<' && character != '&'; });
-            if (plain.find("]]>") != std::string_view::npos) return false;
-            note(plain, meaning);
-            if (take("<![CDATA[")) {
-                note(rest_.substr(0, rest_.find("]]>")), meaning);
-                if (!takeThrough("]]>")) return false;
-            } else if (rest_.starts_with('&')) {
+            const auto ordinary = rest_.substr(0, ordinaryAt(rest_));
+            note(ordinary, meaning);
+            rest_.remove_prefix(ordinary.size());
+            if (sizeOfNext("</")) return true;
+            if (sizeOfNext("&")) {
                 if (!takeReference(meaning)) return false;
+            } else if (!sizeOfNext("<")) {
+                if (sizeOfNext("]]>") || !takeCharacter(meaning)) return true;
+            } else if (take("<![CDATA[")) {
+                if (!takeThrough("]]>", meaning)) return false;
             } else if (!takeAside()) {
                 return true;
             }
         }
     }
 
-    /// Appends what `piece` of a text means: its lines may end in three ways.
-    static void note(std::string_view piece, std::string* meaning) {
-        if (!meaning) return;
-        for (std::size_t at = 0; at < piece.size(); ++at) {
-            if (piece[at] != '\r') {
-                *meaning += piece[at];
-            } else if (!piece.substr(at + 1).starts_with('\n')) {
-                *meaning += '\n';
-            }
+    /// A character that XML can hold. The three ends that a line may have all mean a line feed.
+    bool takeCharacter(std::string* meaning = nullptr) {
+        if (rest_.empty()) return false;
+        const auto character = text::firstOf(rest_);
+        if (character.isDamage() || !isXMLCharacter(character.number)) return false;
+        const auto piece = rest_.substr(0, character.length);
+        rest_.remove_prefix(character.length);
+        if (piece != "\r") {
+            note(piece, meaning);
+        } else if (!sizeOfNext("\n")) {
+            note("\n", meaning);
         }
+        return true;
+    }
+
+    static void note(std::string_view piece, std::string* meaning) {
+        if (meaning) *meaning += piece;
     }
 
     /// To one of the five characters that XML names, or by number.
     bool takeReference(std::string* meaning) {
-        constexpr std::array<std::pair<std::string_view, std::string_view>, 5> named{
+        constexpr std::array<std::pair<const char*, const char*>, 5> named{
             {{"&lt;", "<"}, {"&gt;", ">"}, {"&amp;", "&"}, {"&quot;", "\""}, {"&apos;", "'"}}};
         for (const auto& [reference, character] : named) {
             if (!take(reference)) continue;
@@ -228,8 +225,8 @@ private:
     }
 
     bool takeInstruction() {
-        const auto name = takeWhile(isInName);
-        if (name.empty() || name == "xml") return false;
+        const auto start = rest_;
+        if (!takeName() || start.substr(0, start.size() - rest_.size()) == "xml") return false;
         return take("?>") || (skipSpace() && takeThrough("?>"));
     }
 
@@ -245,36 +242,46 @@ private:
 
     /// A text between two quotes of either kind.
     bool takeLiteral() {
-        const auto quote = rest_.substr(0, 1);
-        if (!take("\"") && !take("'")) return false;
-        takeWhile([quote](char character) { return character != quote.front() && character != '<'; });
-        return take(quote);
-    }
-
-    bool takeName() { return !takeWhile(isInName).empty(); }
-
-    /// Whether there was any.
-    bool skipSpace() { return !takeWhile(isSpace).empty(); }
-
-    template <typename Predicate>
-    std::string_view takeWhile(Predicate isWanted) {
-        std::size_t size = 0;
-        while (size < rest_.size() && isWanted(rest_[size])) ++size;
-        const auto taken = rest_.substr(0, size);
-        rest_.remove_prefix(size);
-        return taken;
-    }
-
-    bool take(std::string_view piece) {
-        if (!rest_.starts_with(piece)) return false;
-        rest_.remove_prefix(piece.size());
+        const char* quote = sizeOfNext("'") ? "'" : "\"";
+        if (!take(quote)) return false;
+        while (!take(quote)) {
+            if (sizeOfNext("<") || !takeCharacter()) return false;
+        }
         return true;
     }
 
-    bool takeThrough(std::string_view end) {
-        const auto at = rest_.find(end);
-        rest_.remove_prefix(std::min(at, rest_.size()));
-        return take(end);
+    bool takeName() {
+        bool isTaken = false;
+        while (!rest_.empty() && isInName(rest_.front()) && takeCharacter()) isTaken = true;
+        return isTaken;
+    }
+
+    /// Whether there was any.
+    bool skipSpace() {
+        bool isTaken = false;
+        for (; !rest_.empty() && isSpace(rest_.front()); rest_.remove_prefix(1)) isTaken = true;
+        return isTaken;
+    }
+
+    bool take(const char* piece) {
+        const auto size = sizeOfNext(piece);
+        rest_.remove_prefix(size);
+        return size > 0;
+    }
+
+    /// 0 when `piece` isn't next.
+    std::size_t sizeOfNext(const char* piece) const {
+        // What else is next mostly differs in the first two characters: a call to compare all at once takes longer.
+        std::size_t size = 0;
+        while (piece[size] != '\0' && size < rest_.size() && piece[size] == rest_[size]) ++size;
+        return piece[size] == '\0' ? size : 0;
+    }
+
+    bool takeThrough(const char* end, std::string* meaning = nullptr) {
+        while (!take(end)) {
+            if (!takeCharacter(meaning)) return false;
+        }
+        return true;
     }
 
     std::uint32_t position() const { return static_cast<std::uint32_t>(xml_.size() - rest_.size()); }
@@ -289,7 +296,7 @@ private:
 
 void setName(PropertyListEntry& entry, std::string_view element, std::string& names) {
     const auto content = contentOf(element);
-    entry.isNamedApart = !isPlain(content);
+    entry.isNamedApart = ordinaryAt(content) < content.size();
     entry.name =
         static_cast<std::uint32_t>(entry.isNamedApart ? names.size() : entry.start + (content.data() - element.data()));
     if (entry.isNamedApart) names += textOf(element);
@@ -302,7 +309,7 @@ std::optional<XMLPropertyList> readXMLPropertyList(std::string_view xml) {
 
 std::string textOf(std::string_view element) {
     const auto content = contentOf(element);
-    return isPlain(content) ? std::string(content) : withEscapesRead(Reader(content).text());
+    return ordinaryAt(content) == content.size() ? std::string(content) : withEscapesRead(Reader(content).text());
 }
 
 }  // namespace vantrel::gnustep

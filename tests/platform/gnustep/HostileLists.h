@@ -43,6 +43,7 @@ public:
         visit("SpacesInATag", listOf("<key" + std::string(size_, ' ') + ">a</key><true/>"));
         // What we would take long for.
         visit("Plain", listOf(numbered("<key>key", "</key><string>value</string>")));
+        visit("KeyTags", many("<key"));
         visit("ShortEntries", listOf(many("<key/><true/>")));
         visit("OneKey", listOf(many("<key>a</key><true/>")));
         visit("KeysThatStartAlike", listOf(numbered("<key>" + std::string(1000, 'a'), "</key><true/>")));

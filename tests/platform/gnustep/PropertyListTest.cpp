@@ -255,6 +255,22 @@ TEST(PropertyListParse, BytesThatAreNotUTF8AreDamage) {
     }
 }
 
+TEST(PropertyListParse, WhatXMLCantHoldIsDamageWhereverItStands) {
+    const auto listAround = [](std::string_view place, const std::string& what) {
+        return std::string(place).replace(place.find('x'), 1, what);
+    };
+    for (const auto* place :
+         {"<!-- x --><dict/>", "<?a x?><dict/>", "<?x?><dict/>", "<!DOCTYPE x><dict/>",
+          "<!DOCTYPE a SYSTEM 'x'><dict/>", "<plist a=\"x\"><dict/></plist>", "<plist x=''><dict/></plist>",
+          "<dict><key>x</key><true/></dict>", "<dict><key/><data>x</data></dict>",
+          "<dict><key/><string><![CDATA[x]]></string></dict>", "<dict><key/><string>a<!--x--></string></dict>"}) {
+        EXPECT_TRUE(isParsed(listAround(place, "é"))) << place;
+        for (const auto& damage : {"\x01"s, "\0"s, "\xFF"s, "\xEF\xBF\xBE"s}) {
+            EXPECT_FALSE(isParsed(listAround(place, damage))) << place;
+        }
+    }
+}
+
 TEST(PropertyListParse, OtherEncodingsAreReadAsDeclared) {
     const auto listIn = [](const std::string& encoding) {
         return "<?xml version='1.0' encoding='" + encoding + "'?><plist><dict><key>key</key><string>\xE9\r</string>" +
