@@ -59,20 +59,17 @@ CachedPropertyList::State CachedPropertyList::read() {
     if (!bytes) return failed();
     const bool isKnown = state_ == State::readable || state_ == State::damaged;
     if (isKnown && *bytes == held()) return state_;
-    auto list = PropertyList::parse(*bytes);
-    if (!list) {
+    if (!list_.take(*bytes)) {
         calls_.nanosleep(rewritingTime);
         auto again = contents();
         if (!again) return failed();
         if (*again == *bytes) return becomes(State::damaged, std::move(*bytes));
         bytes = std::move(again);
-        list = PropertyList::parse(*bytes);
+        if (!list_.take(*bytes)) {
+            errno = EBUSY;
+            return failed();
+        }
     }
-    if (!list) {
-        errno = EBUSY;
-        return failed();
-    }
-    list_ = std::move(*list);
     if (*bytes == list_.bytes()) bytes->clear();
     return becomes(State::readable, std::move(*bytes));
 }

@@ -67,6 +67,26 @@ void cutZeros(std::string& bytes) {
     if (bytes.find_first_not_of("\0 \t\r\n"sv, zeros) == std::string::npos) bytes.resize(zeros);
 }
 
+/// Makes a sound list in any format an XML one.
+void convert(std::string& bytes) {
+    if (bytes.size() > largestPropertyList) return;
+    if (isBinaryPropertyList(bytes)) bytes = xmlFromBinaryPropertyList(bytes);
+    cutZeros(bytes);
+    if (isTextPropertyList(bytes)) bytes = xmlFromTextPropertyList(bytes);
+    const auto encoding = encodingOf(bytes);
+    if (!encoding.empty()) {
+        bytes = inUTF8(bytes, encoding);
+        cutZeros(bytes);
+    }
+    if (bytes.find("\\U") != std::string::npos) bytes = withPairsRead(bytes);
+}
+
+/// Whether `convert` surely leaves `bytes` as they are, as it does almost all lists.
+bool isConverted(std::string_view bytes) {
+    return bytes.starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\"?>") &&
+           bytes.find("\\U") == std::string_view::npos && bytes.find('\0') == std::string_view::npos;
+}
+
 /// Where the line break before `position` stands; `position` itself if there is more than white space between.
 std::uint32_t lineBreakBefore(std::string_view bytes, std::uint32_t position) {
     const auto last = bytes.substr(0, position).find_last_not_of(" \t");
@@ -148,31 +168,34 @@ PropertyList::PropertyList() {
 }
 
 std::optional<PropertyList> PropertyList::parse(std::string bytes) {
-    if (bytes.size() > largestPropertyList) return std::nullopt;
-    if (isBinaryPropertyList(bytes)) bytes = xmlFromBinaryPropertyList(bytes);
-    cutZeros(bytes);
-    if (isTextPropertyList(bytes)) bytes = xmlFromTextPropertyList(bytes);
-    const auto encoding = encodingOf(bytes);
-    if (!encoding.empty()) {
-        bytes = inUTF8(bytes, encoding);
-        cutZeros(bytes);
-    }
-    if (bytes.find("\\U") != std::string::npos) bytes = withPairsRead(bytes);
-    auto list = readXMLPropertyList(bytes);
-    return list ? std::optional(PropertyList(std::move(bytes), std::move(*list))) : std::nullopt;
+    PropertyList list;
+    convert(bytes);
+    return list.takeXML(bytes) ? std::optional(std::move(list)) : std::nullopt;
 }
 
-PropertyList::PropertyList(std::string bytes, XMLPropertyList list)
-    : bytes_(std::move(bytes)),
-      entries_(std::move(list.entries)),
-      names_(std::move(list.names)),
-      dictionaryEnd_(list.dictionaryEnd) {
-    if (list.isOneTag) {
-        const auto slash = bytes_.find('/', dictionaryEnd_);
-        bytes_.replace(slash, 1, "></dict");
-        dictionaryEnd_ = static_cast<std::uint32_t>(slash) + 1;
+bool PropertyList::take(std::string& bytes) {
+    if (isConverted(bytes)) return takeXML(bytes);
+    std::string xml = bytes;
+    convert(xml);
+    return takeXML(xml);
+}
+
+bool PropertyList::takeXML(std::string& xml) {
+    auto list = readXMLPropertyList(xml);
+    if (!list) return false;
+    if (xml[list->dictionaryEnd] == '/') {
+        constexpr std::string_view open = "></dict";
+        bytes_.reserve(xml.size() + open.size());
+        bytes_ = xml;
+        bytes_.replace(list->dictionaryEnd++, 1, open);
+    } else {
+        bytes_ = std::exchange(xml, {});
     }
+    entries_ = std::move(list->entries);
+    names_ = std::move(list->names);
+    dictionaryEnd_ = list->dictionaryEnd;
     sort(0);
+    return true;
 }
 
 PreferenceValue PropertyList::value(std::string_view key) const {

@@ -48,6 +48,10 @@ public:
     /// Takes time in proportion to its length, and less than 64 MB beside it.
     static std::optional<PropertyList> parse(std::string bytes);
 
+    /// The same for this list, which stays as it is where that gives nothing. The list has its bytes from `bytes`,
+    /// which are none then, unless it has to change some; everything else leaves `bytes` as they are.
+    bool take(std::string& bytes);
+
     /// What stands under `key`.
     PreferenceValue value(std::string_view key) const;
 
@@ -71,7 +75,8 @@ public:
 private:
     using Entry = PropertyListEntry;
 
-    PropertyList(std::string bytes, XMLPropertyList list);
+    /// As `take`, of what needs no conversion.
+    bool takeXML(std::string& xml);
 
     /// The first and the last but one of the entries under `key`.
     std::pair<std::size_t, std::size_t> indicesOf(std::string_view key) const;

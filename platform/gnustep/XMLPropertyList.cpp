@@ -99,8 +99,8 @@ private:
     bool takeTop() {
         const auto start = position();
         if (!sizeOfNext("<dict") || !takeValue(0)) return false;
-        found_.dictionaryEnd = static_cast<std::uint32_t>(xml_.rfind('<', position() - 1));
-        found_.isOneTag = found_.dictionaryEnd == start;
+        const auto lastTag = static_cast<std::uint32_t>(xml_.rfind('<', position() - 1));
+        found_.dictionaryEnd = lastTag == start ? position() - 2 : lastTag;
         return true;
     }
 

@@ -33,9 +33,8 @@ struct XMLPropertyList {
     /// In the order of the XML.
     std::vector<PropertyListEntry> entries;
     std::string names;
-    /// Where the dictionary's closing tag starts, or its only one: `<dict/>`.
+    /// Where the dictionary's closing tag starts; in `<dict/>`, the slash.
     std::uint32_t dictionaryEnd = 0;
-    bool isOneTag = false;
 };
 
 /// Finds the entries of the dictionary at the top of an XML property list in UTF-8. Nothing when the XML is damaged, is

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/gnustep/PropertyList.h"
+#include "platform/gnustep/XMLText.h"
 #include "tests/platform/gnustep/PropertyListTesting.h"
 #include "tests/platform/posix/TemporaryFolder.h"
 
@@ -613,6 +614,38 @@ TEST(PropertyListChange, AnEntryIsCopiedAsItIsWritten) {
 
 TEST(PropertyListChange, CopyingAnEntryThatIsNotThereRemovesIt) {
     EXPECT_EQ(readOf(withCopied(listWith("<true/>"), "key", PropertyList())), "absent");
+}
+
+TEST(PropertyListTake, AListHasItsBytesFromWhereItIsReadIfTheyAreJustThese) {
+    const auto xml = listOf("<key>key</key><true/>");
+    auto bytes = xml;
+    PropertyList list;
+    EXPECT_TRUE(list.take(bytes));
+    EXPECT_EQ(readOf(list), "true");
+    EXPECT_EQ(list.bytes(), xml);
+    EXPECT_EQ(bytes, "");
+}
+
+TEST(PropertyListTake, BytesStayThatAreNotJustTheList) {
+    for (const auto& xml : {std::string(listStart) + "<dict />" + std::string(listEnd), listOf("") + "\0"s,
+                            listOf("<key>key</key><string>\\UD83D\\UDE00</string>"), "{}"s}) {
+        auto bytes = xml;
+        PropertyList list;
+        EXPECT_TRUE(list.take(bytes));
+        EXPECT_EQ(list.bytes(), parsed(xml).bytes());
+        EXPECT_EQ(bytes, xml);
+    }
+}
+
+TEST(PropertyListTake, DamageStaysAndChangesNoList) {
+    auto list = listWith("<true/>");
+    for (const auto& damage : {listOf("<key>key</key>"), "{ key = 1"s, "bplist00"s}) {
+        auto bytes = damage;
+        EXPECT_FALSE(list.take(bytes));
+        EXPECT_EQ(bytes, damage);
+        EXPECT_EQ(list.bytes(), listOf("<key>key</key><true/>"));
+        EXPECT_EQ(readOf(list), "true");
+    }
 }
 
 TEST(PropertyListHolds, NoOtherTypeAndNoOtherValue) {
