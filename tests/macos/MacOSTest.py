@@ -21,7 +21,7 @@ TESTS = Path(__file__).resolve().parent
 PROJECT = TESTS.parents[1]
 RESOURCES = PROJECT / "Preference" / "Vantrel" / "Resources"
 LANGUAGES = ("de", "en", "es", "fr", "ja")
-ARCHITECTURES = ("i386", "x86_64")
+ARCHITECTURES = {"bundle": ("i386", "x86_64"), "program": ("x86_64",)}
 OLDEST_SYSTEM = "10.7"
 
 SHORTER_NAMES = (
@@ -92,12 +92,13 @@ class Building(unittest.TestCase):
         arguments = self.linked(kind, architecture)
         return {name for option, name in zip(arguments, arguments[1:]) if option == "-framework"}
 
-    def test_the_bundle_and_the_command_have_both_word_sizes(self):
-        for program in (BUNDLE / "Contents" / "MacOS" / "Vantrel", BUILD / "bin" / "vantrelctl"):
-            self.assertCountEqual(llvm("lipo", "-archs", program).split(), ARCHITECTURES)
+    def test_the_bundle_has_both_word_sizes_and_the_command_the_one_of_every_processor(self):
+        programs = {"bundle": BUNDLE / "Contents" / "MacOS" / "Vantrel", "program": BUILD / "bin" / "vantrelctl"}
+        for kind, program in programs.items():
+            self.assertCountEqual(llvm("lipo", "-archs", program).split(), ARCHITECTURES[kind])
 
     def test_it_is_linked_as_a_bundle_for_the_oldest_system(self):
-        for architecture in ARCHITECTURES:
+        for architecture in ARCHITECTURES["bundle"]:
             with self.subTest(architecture):
                 arguments = self.linked("bundle", architecture)
                 version = arguments[arguments.index("-macosx_version_min") + 1]
@@ -107,14 +108,14 @@ class Building(unittest.TestCase):
         imports = {match for path in self.sources_and_headers()
                    for match in re.findall(r"^#(?:import|include) <(\w+)/\1\.h>", path.read_text(encoding="utf-8"),
                                            re.MULTILINE)}
-        for architecture in ARCHITECTURES:
-            with self.subTest(architecture):
-                self.assertEqual(self.frameworks("bundle", architecture), imports)
-                self.assertEqual(self.frameworks("program", architecture), imports - {"AppKit", "PreferencePanes"})
+        for kind, wanted in (("bundle", imports), ("program", imports - {"AppKit", "PreferencePanes"})):
+            for architecture in ARCHITECTURES[kind]:
+                with self.subTest(kind, architecture=architecture):
+                    self.assertEqual(self.frameworks(kind, architecture), wanted)
 
     def test_the_standard_library_is_the_systems_own(self):
-        for kind in ("bundle", "program"):
-            for architecture in ARCHITECTURES:
+        for kind, architectures in ARCHITECTURES.items():
+            for architecture in architectures:
                 with self.subTest(kind, architecture=architecture):
                     self.assertIn("-lc++", self.linked(kind, architecture))
         self.assertFalse([path for path in BUNDLE.rglob("*") if "c++" in path.name])
@@ -128,10 +129,8 @@ class Building(unittest.TestCase):
 
     def functions_and_classes_called(self):
         wanted, defined = set(), set()
-        for architecture in ARCHITECTURES:
-            for kind, name in re.findall(r"^[0-9a-f ]+ (\w) (\S+)$", llvm("nm", f"--arch={architecture}", *self.objects()),
-                                         re.MULTILINE):
-                (wanted if kind == "U" else defined).add(name)
+        for kind, name in re.findall(r"^[0-9a-f ]+ (\w) (\S+)$", llvm("nm", "--arch=all", *self.objects()), re.MULTILINE):
+            (wanted if kind == "U" else defined).add(name)
         # C's and C++'s names have a further underscore in front.
         names = llvm("cxxfilt", *sorted(name.removeprefix("_") for name in wanted - defined))
         for pattern, replacement in SHORTER_NAMES:
@@ -143,7 +142,7 @@ class Building(unittest.TestCase):
         named, ours = set(), set()
         with tempfile.TemporaryDirectory() as folder:
             thin, names = Path(folder) / "thin.o", Path(folder) / "names"
-            for path in self.objects():
+            for path in (path for path in self.objects() if path.name.endswith(".mm.o")):
                 llvm("lipo", path, "-thin", "x86_64", "-output", thin)
                 symbols = llvm("nm", thin)
                 ours.update(re.findall(r"[-+]\[\w+ ([\w:]+)\]", symbols))
