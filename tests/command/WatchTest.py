@@ -3,6 +3,7 @@ import os
 import re
 import select
 import shutil
+import signal
 import time
 import unittest
 from pathlib import Path
@@ -20,17 +21,20 @@ class Watch(HomeTest):
         self.addCleanup(self.end_watching)
         self.said = b""
         # It asks for notifications, then for events of files, and looks for the first time; from then on it waits.
+        self.wait_until_it_waits()
+
+    def wait_until_it_waits(self, **what_for):
         end = time.monotonic() + PATIENCE
-        while not self.is_waiting():
+        while not self.is_waiting(**what_for):
             self.assertLess(time.monotonic(), end, "it doesn't come to wait")
             self.assertIsNone(self.watching.poll(), "it has ended")
             time.sleep(0.01)
 
-    def is_waiting(self):
+    def is_waiting(self, for_files=True):
         folder = Path(f"/proc/{self.watching.pid}")
         try:
             watches = any(os.readlink(link) == "anon_inode:inotify" for link in (folder / "fd").iterdir())
-            return watches and "poll" in (folder / "wchan").read_text(encoding="utf-8")
+            return watches == for_files and "poll" in (folder / "wchan").read_text(encoding="utf-8")
         except FileNotFoundError:  # it opens and closes files meanwhile
             return False
 
@@ -131,6 +135,19 @@ class Notifications(Watch):
         told = [json.loads(self.line()) for _ in range(2)]
         self.assertEqual([line["notification"] for line in told if "notification" in line],
                          ["StereoStatusMenuViewChanged"])
+
+    def test_one_that_comes_with_the_first_change_is_heard(self):
+        self.watch()
+        self.end_watching()
+        [daemon] = [process for process, name in self.processes().items() if name == "gdnc"]
+        os.kill(daemon, signal.SIGSTOP)
+        self.watching = self.start("watch")
+        # As long as the daemon doesn't answer, no file is watched.
+        for _ in range(50):
+            time.sleep(0.01)
+            self.wait_until_it_waits(for_files=False)
+        os.kill(daemon, signal.SIGCONT)
+        self.wait_until_it_waits()
 
     def test_nothing_is_posted_where_nothing_changes(self):
         self.write_domain(COMPLETE)

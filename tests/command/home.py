@@ -3,6 +3,7 @@
 A test file runs with VANTRELCTL, the command, in the environment.
 """
 
+import contextlib
 import json
 import os
 import plistlib
@@ -72,14 +73,22 @@ class HomeTest(unittest.TestCase):
                             "GNUSTEP_CONFIG_FILE": str(configuration), "LSAN_OPTIONS": "print_suppressions=0",
                             "ASAN_OPTIONS": "symbolize=0"}
 
-    def end_processes(self):
+    def processes(self):
+        """The names of the processes that were started in this home, daemons included, from their numbers."""
         mark = f"TEMP={self.sockets}".encode()
-        for environment in Path("/proc").glob("[0-9]*/environ"):
+        found = {}
+        for folder in Path("/proc").glob("[0-9]*"):
             try:
-                if mark in environment.read_bytes().split(b"\0"):
-                    os.kill(int(environment.parent.name), signal.SIGKILL)
+                if mark in (folder / "environ").read_bytes().split(b"\0"):
+                    found[int(folder.name)] = (folder / "comm").read_text(encoding="utf-8").strip()
             except (FileNotFoundError, PermissionError, ProcessLookupError):
                 pass
+        return found
+
+    def end_processes(self):
+        for process in self.processes():
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(process, signal.SIGKILL)
 
     # Processes
 
