@@ -6,7 +6,8 @@ target_precompile_headers(test_main PRIVATE <gmock/gmock.h>)
 set_target_properties(test_main PROPERTIES POSITION_INDEPENDENT_CODE OFF)
 
 # add_test_program(name): makes an executable a test of CTest, all of its GoogleTest tests together: a process for each
-# of them would cost more than the tests. What fails is told by its own name, and --gtest_filter runs it alone.
+# of them would cost more than the tests. What fails is told by its own name, and --gtest_filter runs it alone. Its
+# sources are compiled together, so no two may have a helper of the same name.
 function(add_test_program name)
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
     get_target_property(sources ${name} SOURCES)

@@ -70,7 +70,8 @@ CachedPropertyList::State CachedPropertyList::read() {
             return failed();
         }
     }
-    if (*bytes == list_.bytes()) bytes->clear();
+    // Emptied, it would keep its memory.
+    if (*bytes == list_.bytes()) bytes.emplace();
     return becomes(State::readable, std::move(*bytes));
 }
 
@@ -104,7 +105,7 @@ const std::string& CachedPropertyList::held() const {
 CachedPropertyList::State CachedPropertyList::becomes(State state, std::string bytes) {
     if (state == State::readable || state != state_ || bytes != bytes_) ++revision_;
     state_ = state;
-    bytes_ = std::move(bytes);
+    bytes_.swap(bytes);
     return state_;
 }
 

@@ -16,6 +16,9 @@ namespace {
 
 constexpr double oldAge = 20;  // seconds, as GNUstep has it
 
+/// How long, in seconds, another process may reach for a folder whose path it has looked up.
+constexpr double longestReach = 2;
+
 double seconds(const struct timespec& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
@@ -77,8 +80,9 @@ bool DefaultsLock::isAbandoned() {
 void DefaultsLock::release() {
     if (!isTaken_) return;
     const auto now = identityOf(path_);
+    const bool isGone = !now && errno == ENOENT;
     // One that can't be looked at is most likely still ours, and left behind it would keep everyone waiting.
-    isTaken_ = !held_ || !now || isOurs(*now);
+    isTaken_ = !isGone && (!held_ || !now || isOurs(*now));
     if (!isTaken_) return;
     const bool isPutAside = calls_.rename(path_.c_str(), aside_.c_str()) == 0;
     hasPutAside_ = hasPutAside_ || isPutAside;
@@ -90,7 +94,7 @@ void DefaultsLock::release() {
 /// afterwards. One that was taken by another is younger by at least the age at which ours was broken.
 bool DefaultsLock::isOurs(const Identity& now) const {
     return now.device == held_->device && now.file == held_->file &&
-           std::abs(seconds(now.made) - seconds(held_->made)) < oldAge;
+           std::abs(seconds(now.made) - seconds(held_->made)) < longestReach;
 }
 
 bool DefaultsLock::isOld(const Identity& other) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 
 #include "platform/gnustep/PropertyList.h"
@@ -41,7 +42,7 @@ std::string inUTF8(std::string_view xml, const std::string& encoding) {
         text += converted;
     }
 
-    const std::size_t start = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    const std::size_t start = text.starts_with(byteOrderMark) ? std::strlen(byteOrderMark) : 0;
     const bool isDeclared = std::string_view(text).substr(start).starts_with("<?xml");
     text.replace(0, isDeclared ? text.find('>') + 1 : start, R"(<?xml version="1.0" encoding="UTF-8"?>)");
     return text;

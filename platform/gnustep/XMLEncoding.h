@@ -5,7 +5,7 @@
 
 namespace vantrel::gnustep {
 
-inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+inline constexpr const char* byteOrderMark = "\xEF\xBB\xBF";
 
 /// The encoding that `xml` starts with or declares; empty when that is UTF-8.
 std::string encodingOf(std::string_view xml);

@@ -66,7 +66,7 @@ public:
 private:
     bool takeList() {
         skipSpace();
-        take(byteOrderMark.data());
+        take(byteOrderMark);
         // The XML declaration, unless it is another instruction whose name starts like it.
         const auto start = rest_;
         if (take("<?xml") && !(takeAttributes() && take("?>"))) rest_ = start;
