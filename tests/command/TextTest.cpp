@@ -27,6 +27,11 @@ TEST(InColumns, AShortTextIsFilledUpAndALongOneLosesItsStart) {
     EXPECT_EQ(inColumns("日本日本", 6), "…日本 ");
 }
 
+TEST(Styled, TheStyleEndsWithTheTextAndNoStyleAddsNothing) {
+    EXPECT_EQ(styled(bold, "abc"), "\033[1mabc\033[0m");
+    EXPECT_EQ(styled("", "abc"), "abc");
+}
+
 TEST(Nearest, IsTheNameWithTheFewestOtherLetters) {
     const std::vector<std::string> names{"list", "get", "set", "export"};
     EXPECT_EQ(nearest("lst", names), "list");

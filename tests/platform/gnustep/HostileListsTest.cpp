@@ -5,8 +5,13 @@
 #include <cstdlib>
 #include <ctime>
 #include <new>
+#include <string>
+#include <utility>
 
+#include "platform/gnustep/CachedPropertyList.h"
 #include "tests/platform/gnustep/HostileLists.h"
+#include "tests/platform/posix/SystemCallsWithOwnClock.h"
+#include "tests/platform/posix/TemporaryFolder.h"
 
 namespace {
 
@@ -103,6 +108,36 @@ TEST(HostileLists, NoneTakesLongerThanThirtyPlainOnes) {
     const auto plain = std::find_if(all.begin(), all.end(), [](const Cost& cost) { return cost.name == "Plain"; });
     ASSERT_NE(plain, all.end());
     for (const auto& cost : all) EXPECT_LT(cost.processorTime, 30 * plain->processorTime) << cost.name;
+}
+
+/// What a look at a file of a million bytes leaves allocated, and then one at a small list in its place.
+std::pair<std::size_t, std::size_t> keptOf(const std::string& start, const std::string& end) {
+    const posix::TemporaryFolder folder;
+    posix::SystemCallsWithOwnClock calls;
+    CachedPropertyList file(calls, folder / "list");
+    const auto before = allocations.bytes;
+    const auto lookAt = [&](const std::string& bytes) {
+        folder.write("list", bytes);
+        file.refresh();
+    };
+    lookAt(start + std::string(1'000'000, 'x') + end);
+    const auto large = allocations.bytes - before;
+    lookAt("<dict><key>a</key><true/></dict>");
+    return {large, allocations.bytes - before};
+}
+
+TEST(CachedPropertyListMemory, AListIsKeptOnceHoweverItIsWritten) {
+    for (const auto* declaration : {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>", "<?xml version='1.0'?>"}) {
+        const auto [large, small] = keptOf(std::string(declaration) + "<dict><key>a</key><string>", "</string></dict>");
+        EXPECT_LT(large, 1'500'000U) << declaration;
+        EXPECT_LT(small, 500'000U) << declaration;
+    }
+}
+
+TEST(CachedPropertyListMemory, DamageIsForgottenWithTheFileThatHadIt) {
+    const auto [large, small] = keptOf("<dict>", "");
+    EXPECT_LT(large, 1'500'000U);
+    EXPECT_LT(small, 500'000U);
 }
 
 }  // namespace
