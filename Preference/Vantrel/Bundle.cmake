@@ -1,6 +1,6 @@
 # The bundle that the settings host loads, Vantrel.prefPane, in the build folder.
 # The bundle but for the system's services, which make it a whole.
-add_library(pane_surface OBJECT PaneView.mm PrincipalClass.mm)
+add_library(pane_surface OBJECT)
 target_link_libraries(pane_surface PUBLIC vantrel_pane vantrel_cocoa_overrides vantrel_appkit preferencepanes)
 
 add_library(pane MODULE)
@@ -9,12 +9,13 @@ set_target_properties(pane PROPERTIES LINKER_LANGUAGE CXX)
 set_target_properties(pane PROPERTIES OUTPUT_NAME Vantrel PREFIX "" SUFFIX "")
 
 if(APPLE)
+    compile_together(pane_surface PaneView.mm PrincipalClass.mm)
     set_target_properties(pane PROPERTIES BUNDLE TRUE BUNDLE_EXTENSION prefPane
                           MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_SOURCE_DIR}/Resources/Info.plist.in
                           LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
     set(bundle_resources ${PROJECT_BINARY_DIR}/Vantrel.prefPane/Contents/Resources)
 else()
-    target_sources(pane_surface PRIVATE StandardImages.mm)
+    compile_together(pane_surface PaneView.mm PrincipalClass.mm StandardImages.mm)
     # The host loads many bundles into one process: nothing of ours may be seen outside but the class, which the
     # Objective-C runtime finds without a symbol.
     target_link_libraries(pane PRIVATE vantrel_loadable)

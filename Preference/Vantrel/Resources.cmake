@@ -35,7 +35,8 @@ else()
     # The builder's own GNUstep folders have no part in the archives. To a sanitizer, what GNUstep keeps until the
     # archiver ends would be lost.
     gnustep_home(archiving_home)
-    add_executable(archive_interface ArchiveInterface.mm PaneView.mm StandardImages.mm)
+    add_executable(archive_interface)
+    compile_together(archive_interface ArchiveInterface.mm PaneView.mm StandardImages.mm)
     target_link_libraries(archive_interface PRIVATE vantrel_warnings appkit)
     set(archiver archive_interface)
     set(compile_interface ${CMAKE_COMMAND} -E env GNUSTEP_CONFIG_FILE=${archiving_home}/GNUstep.conf
