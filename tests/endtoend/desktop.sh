@@ -79,7 +79,11 @@ window_manager_runs() { xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep 
 
 # The processes that were started on this desktop, wherever they have put themselves since.
 desktop_processes() {
-    { grep -lzsxF "TEMP=$scratch/sockets" /proc/[0-9]*/environ || true; } | cut -d/ -f3
+    # All processes are listed before grep begins: it would find itself, each time anew.
+    local environments=(/proc/[0-9]*/environ) found
+    found=$(grep -lzsxF "TEMP=$scratch/sockets" "${environments[@]}") || true
+    found=${found//\/proc\//}
+    echo "${found//\/environ/}"
 }
 
 no_desktop_processes() { [[ -z $(desktop_processes) ]]; }
