@@ -148,8 +148,14 @@ def in_rounds(names, rounds, work, pause=0.0):
 
 def clicks(place, rounds):
     sessions = place.sessions()
+
+    def click(name):
+        # What another has left to the disk without a flush is written now, or ours would take it along.
+        os.sync()
+        return sessions[name].ask("click 0")[0]
+
     # The clicks of a user lie further apart than a file's times need to tell of every change.
-    times = in_rounds(sessions, rounds, lambda name: sessions[name].ask("click 0")[0], pause=0.025)
+    times = in_rounds(sessions, rounds, click, pause=0.025)
     end(sessions)
     return times
 

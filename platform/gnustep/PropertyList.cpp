@@ -128,11 +128,15 @@ public:
         return spliced;
     }
 
-    /// Where what stood at `position` has gone; what comes in place of a passage counts as standing at its start.
-    std::uint32_t moved(std::uint32_t position) const {
+    /// How far what stood at `position` has gone, in numbers that wrap around; what comes in place of a passage counts
+    /// as standing at its start.
+    std::uint32_t distanceAt(std::uint32_t position) const {
+        // Almost everything stands before the first passage or behind the last.
+        if (splices_.empty() || position <= splices_.front().start) return 0;
+        if (position > splices_.back().start) return static_cast<std::uint32_t>(splices_.back().growth);
         const auto next = std::partition_point(splices_.begin(), splices_.end(),
                                                [&](const Splice& splice) { return splice.start < position; });
-        return static_cast<std::uint32_t>(position + (next == splices_.begin() ? 0 : std::prev(next)->growth));
+        return static_cast<std::uint32_t>(std::prev(next)->growth);
     }
 
 private:
@@ -246,8 +250,9 @@ std::optional<PropertyList> PropertyList::with(const PropertyListChanges& change
         if (!element.empty() && index == last) {
             addedEntries.push_back(list.addTo(added, key, element));
         } else if (!element.empty()) {
-            --last;
-            splices.add(entries_[last].value, entries_[last].end, element);
+            const Entry& entry = entries_[--last];
+            splices.add(entry.value, entry.end, element);
+            list.entries_[last].end = static_cast<std::uint32_t>(entry.value + element.size());
         }
         for (; index < last; ++index) {
             splices.add(lineBreakBefore(bytes_, entries_[index].start), entries_[index].end, {});
@@ -262,14 +267,10 @@ std::optional<PropertyList> PropertyList::with(const PropertyListChanges& change
     list.bytes_ = std::move(*bytes);
     list.dictionaryEnd_ = static_cast<std::uint32_t>(list.bytes_.size() - (bytes_.size() - dictionaryEnd_));
     std::erase_if(list.entries_, [](const Entry& entry) { return entry.end == 0; });
-    for (Entry& entry : list.entries_) {
-        const auto movedEnd = splices.moved(entry.end);
-        moveEntry(entry, splices.moved(entry.start) - entry.start);
-        entry.end = movedEnd;
-    }
+    for (Entry& entry : list.entries_) moveEntry(entry, splices.distanceAt(entry.start));
     const auto firstNew = list.entries_.size();
     for (Entry& entry : addedEntries) {
-        moveEntry(entry, splices.moved(end));
+        moveEntry(entry, end + splices.distanceAt(end));
         list.entries_.push_back(entry);
     }
     list.sort(firstNew);

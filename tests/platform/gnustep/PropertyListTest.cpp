@@ -525,6 +525,16 @@ TEST(PropertyListChange, AListStaysLetterForLetterButForTheEntryThatIsChanged) {
               replaced("</dict>\n</dict>", "</dict>\n\t<key>zz</key>\n\t<integer>-1</integer>\n</dict>"));
 }
 
+TEST(PropertyListChange, WhatStandsBehindSeveralChangesIsStillFound) {
+    const auto list = parsed(listOf("<key>a</key><string>A</string><key>b</key><true/><key>c</key><string>C</string>"));
+    PropertyListChanges changes;
+    changes.set("a", "longer"s);
+    changes.set("b", 12345L);
+    const auto changed = list.with(changes).value();
+    EXPECT_THAT(changed.keys(), ElementsAre("a", "b", "c"));
+    EXPECT_EQ(changed.element("c"), "<string>C</string>");
+}
+
 TEST(PropertyListChange, ManyChangesAtOnceAreTheSameAsOneByOne) {
     auto list = parsed(listOf(entriesOfAllKinds));
     PropertyListChanges changes;
