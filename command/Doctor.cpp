@@ -78,8 +78,10 @@ struct Advice {
 
 constexpr auto advices = std::to_array<Advice>({
     {StoreFinding::Problem::unreadable, "unreadable", "it can't be read, so defaults are shown", "chmod u+rwX"},
-    {StoreFinding::Problem::damaged, "damaged", "it is no property list, so defaults are shown",
-     "mv --backup=numbered"},
+    {StoreFinding::Problem::damaged, "damaged", "it is no property list, so defaults are shown", "mv"},
+    {StoreFinding::Problem::tooLong, "damaged", "it is longer than what is read, so defaults are shown", "mv"},
+    {StoreFinding::Problem::notFollowed, "unreadable", "it is a link, which is not followed, so defaults are shown",
+     "mv"},
     {StoreFinding::Problem::foreign, "foreign", "it belongs to another user", "sudo chown \"$(id -un)\""},
     {StoreFinding::Problem::readableByOthers, "exposed", "other users may read or write it", "chmod go="},
     {StoreFinding::Problem::setAside, "aside", "it was set aside because it was no property list", "rm"},
@@ -95,8 +97,7 @@ void examineFiles(StoreInspection& inspection, std::vector<Finding>& findings) {
             if (advice.problem != found.problem) continue;
             const std::string file = shellWord(found.path);
             std::string mend = std::string(advice.mend) + ' ' + file;
-            if (found.problem == StoreFinding::Problem::damaged)
-                mend = "mv " + file + ' ' + shellWord(found.path + ".damaged");
+            if (advice.mend == "mv") mend += ' ' + shellWord(found.path + ".damaged");
             findings.push_back(
                 {onOneLine(found.path), false, std::string(advice.word), std::string(advice.meaning), mend});
         }

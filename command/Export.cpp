@@ -75,9 +75,8 @@ Node configurationProfile(const Node::Members& entries) {
 
 Status exportProfile(Context& context, const Arguments& arguments) {
     for (const auto& finding : context.system.inspection.findings({})) {
-        const bool hidesSettings =
-            finding.problem == StoreFinding::Problem::unreadable || finding.problem == StoreFinding::Problem::damaged;
-        if (hidesSettings) throw Problem::failure(onOneLine(finding.path) + ": can't be read, so nothing is exported");
+        if (!finding.hidesSettings()) continue;
+        throw Problem::failure(onOneLine(finding.path) + ": can't be read, so nothing is exported");
     }
     auto& log = context.system.services.log;
     const bool isForDevices = arguments.format == "mobileconfig";

@@ -67,9 +67,10 @@ private:
         auto bytes = posix::contentsOf(calls_, file_.number(), status_, largestRecord);
         if (!bytes) return std::nullopt;
         if (bytes->empty()) return PropertyList();
-        auto list = bytes->size() > largestRecord ? std::nullopt : PropertyList::parse(*bytes);
+        bool isTooLong = bytes->size() > largestRecord;
+        auto list = isTooLong ? std::nullopt : PropertyList::parse(std::move(*bytes));
         // A binary list can be many times longer once it is written out.
-        const bool isTooLong = (list ? list->bytes() : *bytes).size() > largestRecord;
+        isTooLong |= list && list->bytes().size() > largestRecord;
         if (isTooLong) list.reset();
         if (!list) errno = isTooLong ? EOVERFLOW : EBADMSG;
         return list;

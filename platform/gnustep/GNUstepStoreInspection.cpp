@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <set>
+#include <utility>
 
 #include "platform/gnustep/DefaultsLock.h"
 #include "platform/gnustep/DomainFile.h"
@@ -25,8 +26,12 @@ constexpr mode_t othersBits = S_IRWXG | S_IRWXO;
 std::vector<StoreFinding> GNUstepStoreInspection::findings(const std::vector<std::string>& otherFolders) {
     std::vector<StoreFinding> findings;
     const std::string domainFile = places_.defaultsFolder + '/' + places_.domain + ".plist";
-    examineList(domainFile, findings);
-    examineList(places_.record, findings);
+    examineList(domainFile, largestPropertyList, findings);
+    if (const auto link = linkToRecord()) {
+        findings.push_back({Problem::notFollowed, *link});
+    } else {
+        examineList(places_.record, places_.longestRecord, findings);
+    }
     findFilesSetAside(domainFile, findings);
     findUnfinishedFiles(places_.defaultsFolder, findings);
     findUnfinishedFiles(posix::folderOf(places_.record), findings);
@@ -36,7 +41,17 @@ std::vector<StoreFinding> GNUstepStoreInspection::findings(const std::vector<std
     return findings;
 }
 
-void GNUstepStoreInspection::examineList(const std::string& path, std::vector<StoreFinding>& findings) {
+/// The symbolic link in the record's place, or in that of its folder.
+std::optional<std::string> GNUstepStoreInspection::linkToRecord() {
+    for (const auto& path : {posix::folderOf(places_.record), places_.record}) {
+        struct stat status {};
+        if (calls_.lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) return path;
+    }
+    return std::nullopt;
+}
+
+void GNUstepStoreInspection::examineList(const std::string& path, std::size_t longest,
+                                         std::vector<StoreFinding>& findings) {
     struct stat status {};
     if (calls_.stat(path.c_str(), &status) != 0) {
         const bool isMissing = errno == ENOENT || errno == ENOTDIR;
@@ -45,13 +60,21 @@ void GNUstepStoreInspection::examineList(const std::string& path, std::vector<St
     }
     if (status.st_uid != geteuid()) findings.push_back({Problem::foreign, path});
     if ((status.st_mode & othersBits) != 0) findings.push_back({Problem::readableByOthers, path});
-    const bool isReadable = S_ISREG(status.st_mode) && status.st_size <= static_cast<off_t>(largestPropertyList);
-    const auto bytes = isReadable ? posix::contentsOfFile(calls_, path, largestPropertyList) : std::nullopt;
-    if (isReadable && !bytes) {
-        findings.push_back({Problem::unreadable, path});
-    } else if (!bytes || !PropertyList::parse(*bytes)) {
-        findings.push_back({Problem::damaged, path});
-    }
+    if (const auto problem = problemOf(path, status, longest)) findings.push_back({*problem, path});
+}
+
+/// What keeps the list from being read, if anything.
+std::optional<Problem> GNUstepStoreInspection::problemOf(const std::string& path, const struct stat& status,
+                                                         std::size_t longest) {
+    if (!S_ISREG(status.st_mode)) return Problem::damaged;
+    if (status.st_size > static_cast<off_t>(longest)) return Problem::tooLong;
+    if (status.st_size == 0 && path == places_.record) return std::nullopt;
+    auto bytes = posix::contentsOfFile(calls_, path, longest);
+    if (!bytes) return Problem::unreadable;
+    const auto list = PropertyList::parse(std::move(*bytes));
+    if (!list) return Problem::damaged;
+    // A list in the binary format can be many times longer once it is XML.
+    return list->bytes().size() > longest ? std::optional(Problem::tooLong) : std::nullopt;
 }
 
 void GNUstepStoreInspection::findFilesSetAside(const std::string& path, std::vector<StoreFinding>& findings) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,8 +17,10 @@ public:
         /// The defaults folder, and the domain's name.
         std::string defaultsFolder;
         std::string domain;
-        /// The property list of the override metadata.
+        /// The property list of the override metadata, which may be empty, and how many bytes of it are read. No link
+        /// is followed to it, and none to its folder.
         std::string record;
+        std::size_t longestRecord;
     };
 
     explicit GNUstepStoreInspection(Places places, posix::SystemCalls& calls = posix::SystemCalls::real())
@@ -25,7 +29,10 @@ public:
     std::vector<StoreFinding> findings(const std::vector<std::string>& otherFolders) override;
 
 private:
-    void examineList(const std::string& path, std::vector<StoreFinding>& findings);
+    std::optional<std::string> linkToRecord();
+    void examineList(const std::string& path, std::size_t longest, std::vector<StoreFinding>& findings);
+    std::optional<StoreFinding::Problem> problemOf(const std::string& path, const struct stat& status,
+                                                   std::size_t longest);
     static void findFilesSetAside(const std::string& path, std::vector<StoreFinding>& findings);
     void findUnfinishedFiles(const std::string& folder, std::vector<StoreFinding>& findings);
 

@@ -128,6 +128,21 @@ class Doctor(HomeTest):
         os.mkfifo(self.domain_file, 0o600)
         self.expect_finding(None, "damaged", f"mv {self.domain_file} {self.domain_file}.damaged")
 
+    def test_a_record_that_is_too_long(self):
+        with self.record_file.open("a", encoding="utf-8") as record:
+            record.write(" " * 512 * 1024)
+        self.expect_finding(None, "damaged", f"mv {self.record_file} {self.record_file}.damaged")
+
+    def test_a_record_that_is_a_link(self):
+        elsewhere = self.record_file.with_name("elsewhere")
+        self.record_file.rename(elsewhere)
+        self.record_file.symlink_to(elsewhere)
+        self.expect_finding(None, "unreadable", f"mv {self.record_file} {self.record_file}.damaged")
+
+    def test_a_record_that_is_empty_is_right(self):
+        self.record_file.write_bytes(b"")
+        self.assertEqual(self.findings(), [])
+
     def test_a_store_that_others_may_read(self):
         self.domain_file.chmod(0o640)
         self.expect_finding(None, "exposed", f"chmod go= {self.domain_file}")

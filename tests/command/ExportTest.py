@@ -99,8 +99,14 @@ class Export(HomeTest):
         self.write_record(OVERRIDES)
         self.record_file.unlink()
         os.mkfifo(self.record_file)
-        self.expect(["export"], status=1,
-                    err=f"vantrelctl: {self.record_file}: can't be read, so nothing is exported\n")
+        hidden = {"status": 1, "err": f"vantrelctl: {self.record_file}: can't be read, so nothing is exported\n"}
+        self.expect(["export"], **hidden)
+        self.record_file.unlink()
+        self.record_file.symlink_to("elsewhere")
+        self.expect(["export"], **hidden)
+        self.record_file.unlink()
+        self.record_file.write_text("<plist><dict/></plist>" + " " * 512 * 1024, encoding="utf-8")
+        self.expect(["export"], **hidden)
 
     def test_an_unknown_format_is_refused(self):
         self.expect_misuse(["export", "--format", "xml"],

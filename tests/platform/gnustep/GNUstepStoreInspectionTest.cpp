@@ -42,7 +42,7 @@ struct GNUstepStoreInspectionTest : testing::Test {
     /// What is found: the problem and the path below the folder.
     std::vector<std::pair<Problem, std::string>> found(posix::SystemCalls& calls = posix::SystemCalls::real(),
                                                        const std::vector<std::string>& otherFolders = {}) const {
-        GNUstepStoreInspection inspection({folder / "Defaults", "domain", folder / "Record/record.plist"}, calls);
+        GNUstepStoreInspection inspection({folder / "Defaults", "domain", folder / "Record/record.plist", 1000}, calls);
         std::vector<std::pair<Problem, std::string>> findings;
         for (const auto& finding : inspection.findings(otherFolders)) {
             findings.emplace_back(finding.problem, finding.path.substr(folder.path.size() + 1));
@@ -75,9 +75,40 @@ TEST_F(GNUstepStoreInspectionTest, FindsWhatIsNoPropertyList) {
     folder.makeFolder(record);
     chmod((folder / record).c_str(), 0700);
     EXPECT_THAT(found(), ElementsAre(Found(Problem::damaged, domain), Found(Problem::damaged, record)));
-    write(domain, list);
-    std::filesystem::resize_file(folder / domain, 64 * 1024 * 1024);
-    EXPECT_THAT(found(), ElementsAre(Found(Problem::damaged, domain), Found(Problem::damaged, record)));
+}
+
+TEST_F(GNUstepStoreInspectionTest, FindsWhatIsTooLongToBeRead) {
+    const std::string whole = "<plist><dict></dict></plist>";
+    write(domain, whole + std::string(16 * 1024 * 1024, ' '));
+    write(record, whole + std::string(1000 - whole.size(), ' '));
+    EXPECT_THAT(found(), ElementsAre(Found(Problem::tooLong, domain)));
+    write(domain, whole + std::string(1000, ' '));
+    write(record, whole + std::string(1001 - whole.size(), ' '));
+    EXPECT_THAT(found(), ElementsAre(Found(Problem::tooLong, record)));
+}
+
+TEST_F(GNUstepStoreInspectionTest, FindsWhatIsTooLongOnceItIsXML) {
+    std::string text = "{";
+    for (int number = 0; number < 100; ++number) text += 'k' + std::to_string(number) + "=1;";
+    write(domain, text + '}');
+    write(record, text + '}');
+    EXPECT_THAT(found(), ElementsAre(Found(Problem::tooLong, record)));
+}
+
+TEST_F(GNUstepStoreInspectionTest, FindsLinksToTheRecordAndItsFolderButNotToTheDomain) {
+    write("list", list);
+    std::filesystem::create_symlink(folder / "list", folder / domain);
+    std::filesystem::create_symlink(folder / "list", folder / record);
+    EXPECT_THAT(found(), ElementsAre(Found(Problem::notFollowed, record)));
+    std::filesystem::rename(folder / "Record", folder / "Elsewhere");
+    std::filesystem::create_directory_symlink(folder / "Elsewhere", folder / "Record");
+    EXPECT_THAT(found(), ElementsAre(Found(Problem::notFollowed, "Record")));
+}
+
+TEST_F(GNUstepStoreInspectionTest, FindsNothingWrongWithAnEmptyRecordButWithAnEmptyDomain) {
+    write(domain, "");
+    write(record, "");
+    EXPECT_THAT(found(), ElementsAre(Found(Problem::damaged, domain)));
 }
 
 TEST_F(GNUstepStoreInspectionTest, FindsWhatMayNotBeRead) {
