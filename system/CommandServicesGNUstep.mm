@@ -63,7 +63,8 @@ CommandServices commandServices(Alerts &alerts, Log &log) {
 
     static const std::string defaultsFolder = cocoa::defaultsFolder();
     static const std::string record = overrideRecordFile(cocoa::applicationSupportFolder());
-    static gnustep::GNUstepStoreInspection inspection({defaultsFolder, std::string(codecApplicationID), record, largestRecord});
+    static gnustep::GNUstepStoreInspection inspection(
+        {defaultsFolder, std::string(codecApplicationID), record, largestRecord});
     static const auto begin = [] {
         static linux::FolderEvents events({defaultsFolder, posix::folderOf(record)});
         return cocoa::ChangeEvents{events.descriptor(), [] { events.acknowledge(); }};
