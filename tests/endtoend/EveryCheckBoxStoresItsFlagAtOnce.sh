@@ -1,5 +1,5 @@
 #!/bin/bash
-# Each check box is clicked twice with the mouse; its key follows each click.
+# Each check box but the enabler's is clicked twice with the mouse; its key follows each click.
 source "$(dirname "$0")/session.sh"
 
 # Clicks a check box and expects its new value, then the same back.

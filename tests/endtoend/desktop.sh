@@ -9,7 +9,7 @@
 #   tell_settings   where the user's settings are and what they hold
 #   end_desktop     ends every process of this desktop and removes its scratch folder; runs on every exit
 #
-# Whatever can be watched is waited for by watching it. A wait that takes too long ends the script with status 1 and one
+# Whatever can be watched is waited for by watching it. A wait that takes too long ends the script with status 1 and a
 # line that says what was waited for.
 
 # The host's window, measured: its box begins below the bar with "Show All" and holds icons in rows of seven.
