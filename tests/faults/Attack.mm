@@ -1,7 +1,7 @@
 // Attacks the built bundle at every call that it makes on files: kills it before the call, lets the call fail once or
 // from then on, or lets it be carried out and said to have failed. Then looks whether anything was lost.
 //
-//     attack [EVERY]    attacks every call, or one in EVERY
+//     attack_host [EVERY]    attacks every call, or one in EVERY
 //
 // Prints a table; ends with status 1, and what didn't hold, if anything didn't.
 #import <AppKit/AppKit.h>

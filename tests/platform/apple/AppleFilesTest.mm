@@ -47,9 +47,13 @@ TEST_F(AppleFilesTest, WhatIsRefusedIsToldWithItsPath) {
 // Property lists
 
 struct ApplePropertyListsTest : AppleFilesTest {
+    static std::string list(const std::string &top) {
+        return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\">" + top + "</plist>";
+    }
+
     /// Writes the list and reads it back.
     std::optional<PropertyListEntries> entriesOf(const std::string &top) {
-        folder.write("list", "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\">" + top + "</plist>");
+        folder.write("list", list(top));
         return lists.dictionaryWithContentsOfFile(folder / "list");
     }
 
@@ -82,6 +86,29 @@ TEST_F(ApplePropertyListsTest, IsNoneWithoutADictionaryAtTheTop) {
 
 TEST_F(ApplePropertyListsTest, IsNoneInAMissingFile) {
     EXPECT_EQ(lists.dictionaryWithContentsOfFile(folder / "missing"), std::nullopt);
+}
+
+TEST_F(ApplePropertyListsTest, IsReadFromItsBytesAsFromAFile) {
+    const auto entries = lists.dictionaryWithData(list("<dict><key>flag</key><false/></dict>"));
+    ASSERT_TRUE(entries && entries->contains("flag"));
+    EXPECT_EQ(memory::describeStored(entries->at("flag")), "false");
+    EXPECT_EQ(lists.dictionaryWithData(list("<array><false/></array>")), std::nullopt);
+    EXPECT_EQ(lists.dictionaryWithData("garbage"), std::nullopt);
+    EXPECT_EQ(lists.dictionaryWithData(""), std::nullopt);
+}
+
+TEST_F(ApplePropertyListsTest, MakesXMLThatNoReaderOfItTakesOtherwise) {
+    EXPECT_EQ(lists.xmlText("]]>\r\n"), "]]&gt;&#13;\n");
+}
+
+TEST_F(ApplePropertyListsTest, ReadsAnyTextThatItHasMadeXML) {
+    for (const std::string text :
+         {"", "a & b", "<string>", "]]>", "&amp;", "one\r\ntwo\rthree\n", "\u00e9 \u65e5\u672c"}) {
+        const auto entries =
+            lists.dictionaryWithData(list("<dict><key>text</key><string>" + lists.xmlText(text) + "</string></dict>"));
+        ASSERT_TRUE(entries && entries->contains("text")) << text;
+        EXPECT_EQ(memory::describeStored(entries->at("text")), '"' + text + '"');
+    }
 }
 
 }  // namespace
