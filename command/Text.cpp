@@ -77,12 +77,15 @@ std::size_t columns(std::string_view text) {
 
 std::string inColumns(std::string_view text, std::size_t wanted) {
     std::string fitting;
-    if (columns(text) > wanted) {
-        while (columns(text) + 1 > wanted) text.remove_prefix(lengthOfFirst(text));
+    std::size_t taken = columns(text);
+    if (taken > wanted) {
         fitting = ellipsis;
+        for (++taken; taken > wanted; text.remove_prefix(lengthOfFirst(text))) {
+            taken -= columnsOfFirst(text.substr(0, lengthOfFirst(text)));
+        }
     }
     fitting += text;
-    return fitting.append(wanted - columns(fitting), ' ');
+    return fitting.append(wanted - taken, ' ');
 }
 
 std::string styled(std::string_view style, std::string_view text) {

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <chrono>
+
 #include "command/Text.h"
 
 namespace vantrel {
@@ -25,6 +27,22 @@ TEST(InColumns, AShortTextIsFilledUpAndALongOneLosesItsStart) {
     EXPECT_EQ(inColumns("abcdef", 6), "abcdef");
     EXPECT_EQ(inColumns("abcdefg", 6), "…cdefg");
     EXPECT_EQ(inColumns("日本日本", 6), "…日本 ");
+}
+
+TEST(InColumns, ALongTextCostsLittleMoreThanToCountIt) {
+    const std::string text(200'000, 'a');
+    const auto timed = [](const auto& work) {
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        return std::chrono::steady_clock::now() - start;
+    };
+    std::size_t counted = 0;
+    std::string cut;
+    const auto counting = timed([&] { counted = columns(text); });
+    const auto cutting = timed([&] { cut = inColumns(text, 6); });
+    EXPECT_EQ(counted, text.size());
+    EXPECT_EQ(cut, "…aaaaa");
+    EXPECT_LT(cutting, 1000 * counting);
 }
 
 TEST(Styled, TheStyleEndsWithTheTextAndNoStyleAddsNothing) {
