@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -69,27 +70,26 @@ struct Parsed {
 
 Parsed parse(std::vector<std::string> line) {
     Parsed parsed;
+    // No subcommand of the library's: it would take a word that is the command's own name for the command once more.
     CLI::App app;
     app.set_help_flag();
     app.add_flag("-h,--help", parsed.wantsHelp);
-    app.add_flag("--version", parsed.wantsVersion);
-    CLI::App* subcommand = nullptr;
-    if (!line.empty() && !isOption(line.front())) {
+    if (line.empty() || isOption(line.front())) {
+        app.add_flag("--version", parsed.wantsVersion);
+    } else {
         parsed.command = &commandNamed(line.front());
+        line.erase(line.begin());
         auto& arguments = parsed.arguments;
-        subcommand = app.add_subcommand(std::string(parsed.command->name));
-        // The library would take a text like "[a,b]" for a list of two.
-        subcommand->allow_extras();
-        subcommand->set_help_flag();
-        subcommand->add_flag("-h,--help", parsed.wantsHelp);
+        // It would take a text like "[a,b]" for a list of two as well.
+        app.allow_extras();
         for (const auto name : split(parsed.command->options, ' ')) {
-            if (name == "check") subcommand->add_flag("--check", arguments.check);
-            if (name == "json") subcommand->add_flag("--json", arguments.json);
-            if (name == "stored") subcommand->add_flag("--stored", arguments.stored);
+            if (name == "check") app.add_flag("--check", arguments.check);
+            if (name == "json") app.add_flag("--json", arguments.json);
+            if (name == "stored") app.add_flag("--stored", arguments.stored);
             if (name == "format") {
                 const auto formats = split(optionNamed("format").values, '|');
                 arguments.format = formats.front();
-                subcommand->add_option("--format", arguments.format)
+                app.add_option("--format", arguments.format)
                     ->check(CLI::IsMember(std::vector<std::string>(formats.begin(), formats.end())));
             }
         }
@@ -105,14 +105,14 @@ Parsed parse(std::vector<std::string> line) {
     } catch (const CLI::ParseError& error) {
         throw Problem::misuse(std::string(error.what()) + "; see vantrelctl --help");
     }
-    if (!subcommand || parsed.wantsHelp) return parsed;
-    for (const auto& word : subcommand->remaining()) {
+    if (!parsed.command || parsed.wantsHelp) return parsed;
+    for (const auto& word : app.remaining()) {
         if (!isOption(word)) continue;
         throw Problem::misuse(
             std::string(parsed.command->name) + ": no option " + onOneLine(word) +
             "; a word that begins with a dash stands behind --; it is used so: " + usageOf(*parsed.command));
     }
-    parsed.arguments.words = subcommand->remaining();
+    parsed.arguments.words = app.remaining();
     parsed.arguments.words.insert(parsed.arguments.words.end(), words.begin(), words.end());
     checkWords(*parsed.command, parsed.arguments.words);
     return parsed;
@@ -139,11 +139,20 @@ Status run(const std::vector<std::string>& line, ErrorOutput& errors) {
     return parsed.command->run(context, parsed.arguments);
 }
 
+/// Gives standard streams that are closed their numbers back, as ones that can't be written: the next file to be opened
+/// would have them else, and what is told of a settings file would be written into it.
+void keepNumbersOfStreams() {
+    int number = 0;
+    while (number >= 0 && number <= STDERR_FILENO) number = open("/", O_RDONLY | O_CLOEXEC);
+    if (number >= 0) close(number);
+}
+
 }  // namespace
 }  // namespace vantrel
 
 int main(int count, char** arguments) {
     using vantrel::Problem;
+    vantrel::keepNumbersOfStreams();
     vantrel::ErrorOutput errors;
     vantrel::Status status{};
     try {

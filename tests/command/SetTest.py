@@ -90,6 +90,15 @@ class Set(HomeTest):
             self.assertEqual(self.run_command("set", "LUTsPath", text).status, 0)
             self.assertEqual(self.domain()["LUTsPath"], text)
 
+    def test_a_value_may_be_any_word(self):
+        for word in ("set", "get", "++", "[a,b]", "{}", "-1", "on", "a\\"):
+            self.expect(["set", "LUTsPath", word, "OverridePath", word],
+                        f"LUTsPath: {self.shown('LUTsPath')} -> {word}\nOverridePath: {self.shown('OverridePath')} -> {word}\n")
+            self.assertEqual(self.domain(), {"LUTsPath": word, "OverridePath": word})
+
+    def shown(self, name):
+        return self.domain().get(name, "missing")
+
     def test_words_behind_two_dashes_are_no_options(self):
         self.expect(["set", "--", "LUTsPath", "--json"], "LUTsPath: missing -> --json\n")
         self.assertEqual(self.domain(), {"LUTsPath": "--json"})

@@ -68,6 +68,23 @@ class Usage(HomeTest):
                            "completion: no csh; it is used so: vantrelctl completion bash|zsh|fish")
 
 
+class ClosedStreams(HomeTest):
+    def set_with_closed(self, closed):
+        """`set` on a damaged store, of which there is something to tell, without the standard streams of these numbers."""
+        self.wipe()
+        self.defaults.mkdir(exist_ok=True)
+        self.domain_file.write_text("damaged", encoding="utf-8")
+        line = 'exec "$0" set look off ' + " ".join(f"{number}>&-" for number in closed)
+        return subprocess.run(["bash", "-c", line, os.environ["VANTRELCTL"]], env=self.environment, check=False,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode
+
+    def test_what_is_told_never_gets_into_the_settings(self):
+        for closed in ((0,), (1,), (2,), (0, 1), (0, 2), (1, 2), (0, 1, 2)):
+            with self.subTest(closed):
+                self.assertEqual(self.set_with_closed(closed), 1 if 1 in closed else 0)
+                self.assertEqual(self.domain(), {"look": False, "ColorProcessingPath": 0})
+
+
 class Color(HomeTest):
     def on_terminal(self, *words, **environment):
         """What the command says on a terminal."""
