@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <iostream>
 
@@ -104,6 +105,16 @@ void examineFiles(StoreInspection& inspection, std::vector<Finding>& findings) {
     }
 }
 
+/// The library of the override metadata may be missing; its files are looked at without it.
+void examineOverrides(CommandServices& system, std::vector<Finding>& findings) {
+    const auto files = system.inspection.findings({});
+    const auto hides = [](const StoreFinding& found) { return found.hidesSettings(); };
+    if (std::any_of(files.begin(), files.end(), hides) || system.services.overrides.load()) return;
+    findings.push_back({"KVRXMetadataDictionary", false, "unreadable",
+                        "it doesn't open the override metadata, so defaults are shown for CLSF and CPUM",
+                        "install the library KVRXMetadataDictionary"});
+}
+
 Node nodeOf(const Finding& finding) {
     return {Node::Members{{"key", finding.isSetting ? Node{finding.what} : Node{nullptr}},
                           {"problem", {finding.problem}},
@@ -119,6 +130,7 @@ Status doctor(Context& context, const Arguments& arguments) {
     for (const auto& setting : context.store.settings()) examineSetting(setting, context.store, findings);
     examineEnabler(context.store, findings);
     examineFiles(context.system.inspection, findings);
+    examineOverrides(context.system, findings);
 
     Node::List nodes;
     for (const auto& finding : findings) {

@@ -83,6 +83,9 @@ Status exportProfile(Context& context, const Arguments& arguments) {
     if (isForDevices) {
         log.log("CLSF and CPUM are left out: a configuration profile doesn't reach the override metadata");
     }
+    if (!isForDevices && !context.system.services.overrides.load()) {
+        throw Problem::failure("CLSF, CPUM: the override metadata can't be opened, so nothing is exported");
+    }
     Node::Members entries;
     const PreferencesSequence sequence(context.system.services.preferences);
     for (const auto& setting : context.store.settings()) {

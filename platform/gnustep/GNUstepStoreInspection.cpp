@@ -32,6 +32,7 @@ std::vector<StoreFinding> GNUstepStoreInspection::findings(const std::vector<std
     } else {
         examineList(places_.record, places_.longestRecord, findings);
     }
+    examineWhetherHidden(places_.defaultsFolder + "/NSGlobalDomain.plist", findings);
     findFilesSetAside(domainFile, findings);
     findUnfinishedFiles(places_.defaultsFolder, findings);
     findUnfinishedFiles(posix::folderOf(places_.record), findings);
@@ -54,13 +55,31 @@ void GNUstepStoreInspection::examineList(const std::string& path, std::size_t lo
                                          std::vector<StoreFinding>& findings) {
     struct stat status {};
     if (calls_.stat(path.c_str(), &status) != 0) {
-        const bool isMissing = errno == ENOENT || errno == ENOTDIR;
-        if (!isMissing) findings.push_back({Problem::unreadable, posix::folderOf(path)});
+        if (errno == ENOTDIR) {
+            findings.push_back({Problem::damaged, fileAbove(path)});
+        } else if (errno != ENOENT) {
+            findings.push_back({Problem::unreadable, posix::folderOf(path)});
+        }
         return;
     }
     if (status.st_uid != geteuid()) findings.push_back({Problem::foreign, path});
     if ((status.st_mode & othersBits) != 0) findings.push_back({Problem::readableByOthers, path});
     if (const auto problem = problemOf(path, status, longest)) findings.push_back({*problem, path});
+}
+
+/// What stands where a folder above `path` should be.
+std::string GNUstepStoreInspection::fileAbove(const std::string& path) {
+    std::string above = posix::folderOf(path);
+    struct stat status {};
+    while (calls_.stat(above.c_str(), &status) != 0 && errno == ENOTDIR) above = posix::folderOf(above);
+    return above;
+}
+
+/// The domain of all programs: what is missing in the codec's is read from there. Who may read it is not for us to say.
+void GNUstepStoreInspection::examineWhetherHidden(const std::string& path, std::vector<StoreFinding>& findings) {
+    struct stat status {};
+    if (calls_.stat(path.c_str(), &status) != 0) return;
+    if (const auto problem = problemOf(path, status, largestPropertyList)) findings.push_back({*problem, path});
 }
 
 /// What keeps the list from being read, if anything.

@@ -31,6 +31,8 @@ public:
 private:
     std::optional<std::string> linkToRecord();
     void examineList(const std::string& path, std::size_t longest, std::vector<StoreFinding>& findings);
+    void examineWhetherHidden(const std::string& path, std::vector<StoreFinding>& findings);
+    std::string fileAbove(const std::string& path);
     std::optional<StoreFinding::Problem> problemOf(const std::string& path, const struct stat& status,
                                                    std::size_t longest);
     static void findFilesSetAside(const std::string& path, std::vector<StoreFinding>& findings);

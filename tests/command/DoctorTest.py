@@ -1,6 +1,7 @@
 import fcntl
 import json
 import os
+import shutil
 import subprocess
 import time
 import unittest
@@ -142,6 +143,21 @@ class Doctor(HomeTest):
     def test_a_record_that_is_empty_is_right(self):
         self.record_file.write_bytes(b"")
         self.assertEqual(self.findings(), [])
+
+    def test_a_file_in_the_place_of_a_folder(self):
+        shutil.rmtree(self.record_file.parent)
+        self.record_file.parent.touch()
+        self.expect_finding(None, "damaged", f"mv {self.record_file.parent} {self.record_file.parent}.damaged")
+
+    def test_a_damaged_domain_of_all_programs(self):
+        file = self.defaults / "NSGlobalDomain.plist"
+        file.write_text("damaged", encoding="utf-8")
+        self.expect_finding(None, "damaged", f"mv {file} {file}.damaged")
+
+    def test_a_library_of_the_override_metadata_that_is_missing(self):
+        self.expect(["doctor"], environment=self.without_library(), status=2,
+                    out="KVRXMetadataDictionary: it doesn't open the override metadata, so defaults are shown for CLSF "
+                        "and CPUM; install the library KVRXMetadataDictionary\n")
 
     def test_a_store_that_others_may_read(self):
         self.domain_file.chmod(0o640)

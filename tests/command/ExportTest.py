@@ -108,6 +108,13 @@ class Export(HomeTest):
         self.record_file.write_text("<plist><dict/></plist>" + " " * 512 * 1024, encoding="utf-8")
         self.expect(["export"], **hidden)
 
+    def test_without_the_library_of_the_overrides_there_is_a_profile_for_devices_only(self):
+        self.write_record(OVERRIDES)
+        self.expect(["export"], environment=self.without_library(), status=1,
+                    err="vantrelctl: CLSF, CPUM: the override metadata can't be opened, so nothing is exported\n")
+        for_devices = ["export", "--format", "mobileconfig"]
+        self.assertEqual(self.run_command(*for_devices, environment=self.without_library()).status, 0)
+
     def test_an_unknown_format_is_refused(self):
         self.expect_misuse(["export", "--format", "xml"],
                            "--format: xml not in {plist,json,mobileconfig}; see vantrelctl --help")

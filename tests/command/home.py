@@ -117,6 +117,13 @@ class HomeTest(unittest.TestCase):
         self.expect(words, status=64, err=err, **options)
         self.assertEqual(self.stores(), before)
 
+    def without_library(self):
+        """An environment in which the library of the override metadata can't be loaded."""
+        folder = self.home / "libraries"
+        folder.mkdir(exist_ok=True)
+        (folder / "libKVRXMetadataDictionary.so.1").touch()
+        return {"LD_LIBRARY_PATH": str(folder)}
+
     # Stores
 
     def write_domain(self, entries):

@@ -105,6 +105,21 @@ TEST_F(GNUstepStoreInspectionTest, FindsLinksToTheRecordAndItsFolderButNotToTheD
     EXPECT_THAT(found(), ElementsAre(Found(Problem::notFollowed, "Record")));
 }
 
+TEST_F(GNUstepStoreInspectionTest, FindsFilesInThePlaceOfFolders) {
+    std::filesystem::remove(folder / "Record");
+    write("Record", list);
+    EXPECT_THAT(found(), ElementsAre(Found(Problem::damaged, "Record")));
+    GNUstepStoreInspection below({folder / "Record/Deep/Defaults", "domain", folder / "Record/record.plist", 1000});
+    EXPECT_EQ(below.findings({}).front().path, folder / "Record");
+}
+
+TEST_F(GNUstepStoreInspectionTest, FindsADomainOfAllProgramsThatCantBeReadWhoeverMayReadIt) {
+    write("Defaults/NSGlobalDomain.plist", list, 0644);
+    EXPECT_THAT(found(), IsEmpty());
+    write("Defaults/NSGlobalDomain.plist", "garbage", 0644);
+    EXPECT_THAT(found(), ElementsAre(Found(Problem::damaged, "Defaults/NSGlobalDomain.plist")));
+}
+
 TEST_F(GNUstepStoreInspectionTest, FindsNothingWrongWithAnEmptyRecordButWithAnEmptyDomain) {
     write(domain, "");
     write(record, "");
