@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <iostream>
 
 #include "command/Commands.h"
@@ -91,6 +92,16 @@ constexpr auto advices = std::to_array<Advice>({
      "rmdir"},
 });
 
+/// A name for a damaged file that none has yet: an older one is not lost.
+std::string nameForDamaged(const std::string& path) {
+    std::string free = path + ".damaged";
+    std::error_code ignored;
+    for (int number = 2; std::filesystem::exists(std::filesystem::symlink_status(free, ignored)); ++number) {
+        free = path + ".damaged-" + std::to_string(number);
+    }
+    return free;
+}
+
 void examineFiles(StoreInspection& inspection, std::vector<Finding>& findings) {
     const std::string enabler(enablerPaths::active);
     for (const auto& found : inspection.findings({enabler.substr(0, enabler.rfind('/'))})) {
@@ -98,7 +109,7 @@ void examineFiles(StoreInspection& inspection, std::vector<Finding>& findings) {
             if (advice.problem != found.problem) continue;
             const std::string file = shellWord(found.path);
             std::string mend = std::string(advice.mend) + ' ' + file;
-            if (advice.mend == "mv") mend += ' ' + shellWord(found.path + ".damaged");
+            if (advice.mend == "mv") mend += ' ' + shellWord(nameForDamaged(found.path));
             findings.push_back(
                 {onOneLine(found.path), false, std::string(advice.word), std::string(advice.meaning), mend});
         }

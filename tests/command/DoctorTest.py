@@ -124,6 +124,13 @@ class Doctor(HomeTest):
         found = self.findings()
         self.assertEqual([(finding["key"], finding["problem"]) for finding in found], [(None, "damaged")])
 
+    def test_what_was_damaged_before_is_not_lost(self):
+        for name in ("damaged", "damaged-2", "damaged-3"):
+            self.write_domain({})
+            self.domain_file.write_text(name, encoding="utf-8")
+            self.expect_finding(None, "damaged", f"mv {self.domain_file} {self.domain_file}.{name}")
+            self.assertEqual(self.domain_file.with_name(f"{self.domain_file.name}.{name}").read_text("utf-8"), name)
+
     def test_a_store_that_is_no_file(self):
         self.domain_file.unlink()
         os.mkfifo(self.domain_file, 0o600)
