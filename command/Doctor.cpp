@@ -1,6 +1,6 @@
-#include <algorithm>
+#include <sys/stat.h>
+
 #include <array>
-#include <filesystem>
 #include <iostream>
 
 #include "command/Commands.h"
@@ -95,8 +95,8 @@ constexpr auto advices = std::to_array<Advice>({
 /// A name for a damaged file that none has yet: an older one is not lost.
 std::string nameForDamaged(const std::string& path) {
     std::string free = path + ".damaged";
-    std::error_code ignored;
-    for (int number = 2; std::filesystem::exists(std::filesystem::symlink_status(free, ignored)); ++number) {
+    struct stat status {};
+    for (int number = 2; lstat(free.c_str(), &status) == 0; ++number) {
         free = path + ".damaged-" + std::to_string(number);
     }
     return free;
@@ -116,16 +116,6 @@ void examineFiles(StoreInspection& inspection, std::vector<Finding>& findings) {
     }
 }
 
-/// The library of the override metadata may be missing; its files are looked at without it.
-void examineOverrides(CommandServices& system, std::vector<Finding>& findings) {
-    const auto files = system.inspection.findings({});
-    const auto hides = [](const StoreFinding& found) { return found.hidesSettings(); };
-    if (std::any_of(files.begin(), files.end(), hides) || system.services.overrides.load()) return;
-    findings.push_back({"KVRXMetadataDictionary", false, "unreadable",
-                        "it doesn't open the override metadata, so defaults are shown for CLSF and CPUM",
-                        "install the library KVRXMetadataDictionary"});
-}
-
 Node nodeOf(const Finding& finding) {
     return {Node::Members{{"key", finding.isSetting ? Node{finding.what} : Node{nullptr}},
                           {"problem", {finding.problem}},
@@ -141,7 +131,6 @@ Status doctor(Context& context, const Arguments& arguments) {
     for (const auto& setting : context.store.settings()) examineSetting(setting, context.store, findings);
     examineEnabler(context.store, findings);
     examineFiles(context.system.inspection, findings);
-    examineOverrides(context.system, findings);
 
     Node::List nodes;
     for (const auto& finding : findings) {

@@ -82,9 +82,8 @@ Status exportProfile(Context& context, const Arguments& arguments) {
     const bool isForDevices = arguments.format == "mobileconfig";
     if (isForDevices) {
         log.log("CLSF and CPUM are left out: a configuration profile doesn't reach the override metadata");
-    }
-    if (!isForDevices && !context.system.services.overrides.load()) {
-        throw Problem::failure("CLSF, CPUM: the override metadata can't be opened, so nothing is exported");
+    } else if (!context.system.services.overrides.load()) {
+        log.log("CLSF and CPUM are left out: there is no library of the override metadata");
     }
     Node::Members entries;
     const PreferencesSequence sequence(context.system.services.preferences);

@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -139,20 +138,11 @@ Status run(const std::vector<std::string>& line, ErrorOutput& errors) {
     return parsed.command->run(context, parsed.arguments);
 }
 
-/// Gives standard streams that are closed their numbers back, as ones that can't be written: the next file to be opened
-/// would have them else, and what is told of a settings file would be written into it.
-void keepNumbersOfStreams() {
-    int number = 0;
-    while (number >= 0 && number <= STDERR_FILENO) number = open("/", O_RDONLY | O_CLOEXEC);
-    if (number >= 0) close(number);
-}
-
 }  // namespace
 }  // namespace vantrel
 
 int main(int count, char** arguments) {
     using vantrel::Problem;
-    vantrel::keepNumbersOfStreams();
     vantrel::ErrorOutput errors;
     vantrel::Status status{};
     try {

@@ -59,7 +59,11 @@ ssize_t SystemCalls::readlink(const char* path, char* buffer, std::size_t size) 
 }
 
 int SystemCalls::mkostemp(char* pathTemplate) {
-    return ::mkostemp(pathTemplate, O_CLOEXEC);
+    const int file = ::mkostemp(pathTemplate, O_CLOEXEC);
+    if (file < 0 || file > STDERR_FILENO) return file;
+    const int higher = ::fcntl(file, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    ::close(file);
+    return higher;
 }
 
 int SystemCalls::rename(const char* from, const char* to) {

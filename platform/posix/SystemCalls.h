@@ -29,7 +29,8 @@ public:
     virtual int stat(const char* path, struct stat* status);
     virtual int lstat(const char* path, struct stat* status);
     virtual ssize_t readlink(const char* path, char* buffer, std::size_t size);
-    /// Creates and opens a file of a new name, mode 0600, close-on-exec; replaces the six X of `pathTemplate`.
+    /// Creates and opens a file of a new name, mode 0600, close-on-exec; replaces the six X of `pathTemplate`. Its
+    /// number is none of a standard stream's: where that is closed, what the program says would get into the file.
     virtual int mkostemp(char* pathTemplate);
     virtual int rename(const char* from, const char* to);
     /// Renames only if nothing stands at `to`, decided by the kernel in one step; EEXIST otherwise.

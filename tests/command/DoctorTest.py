@@ -161,11 +161,6 @@ class Doctor(HomeTest):
         file.write_text("damaged", encoding="utf-8")
         self.expect_finding(None, "damaged", f"mv {file} {file}.damaged")
 
-    def test_a_library_of_the_override_metadata_that_is_missing(self):
-        self.expect(["doctor"], environment=self.without_library(), status=2,
-                    out="KVRXMetadataDictionary: it doesn't open the override metadata, so defaults are shown for CLSF "
-                        "and CPUM; install the library KVRXMetadataDictionary\n")
-
     def test_a_store_that_others_may_read(self):
         self.domain_file.chmod(0o640)
         self.expect_finding(None, "exposed", f"chmod go= {self.domain_file}")

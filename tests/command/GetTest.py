@@ -94,14 +94,6 @@ class GetStored(HomeTest):
         self.expect(["get", "look", "--stored"], status=1, err="vantrelctl: look: nothing is stored\n")
         self.expect(["get", "CLSF", "--stored"], status=1, err="vantrelctl: CLSF: nothing is stored\n")
 
-    def test_what_cant_be_read_isnt_called_missing(self):
-        hidden = " nothing is stored that can be read; see vantrelctl doctor\n"
-        self.expect(["get", "CLSF", "--stored"], status=1, err=f"vantrelctl: CLSF:{hidden}",
-                    environment=self.without_library())
-        self.defaults.mkdir()
-        self.domain_file.write_text("damaged", encoding="utf-8")
-        self.expect(["get", "look", "--stored"], status=1, err=f"vantrelctl: look:{hidden}")
-
 
 if __name__ == "__main__":
     unittest.main()

@@ -50,6 +50,17 @@ TEST_F(TemporaryFileTest, IsHiddenEmptyAndForItsUserAlone) {
     EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
 }
 
+TEST_F(TemporaryFileTest, NeverHasTheNumberOfAStandardStreamThatIsClosed) {
+    const int kept = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    TemporaryFile file(calls);
+    const int created = file.create(folder.path);
+    dup2(kept, STDIN_FILENO);
+    close(kept);
+    ASSERT_EQ(created, 0);
+    EXPECT_GT(file.file().number(), STDERR_FILENO);
+}
+
 TEST_F(TemporaryFileTest, IsGoneAtTheEndUnlessItWasRenamed) {
     {
         TemporaryFile dropped(calls);
