@@ -56,9 +56,9 @@ std::string utf8From(std::string_view utf16) {
 
 /// Walks a binary list and writes what it comes by, an object as often as it is referred to. Each takes its place in
 /// what is written, so that the bound of that is a bound of the walk.
-class Walk {
+class BinaryWalk {
 public:
-    explicit Walk(std::string_view bytes) : bytes_(bytes), xml_(listStart) {
+    explicit BinaryWalk(std::string_view bytes) : bytes_(bytes), xml_(listStart) {
         xml_.reserve(std::min(4 * bytes.size(), largestPropertyList + 1));
     }
 
@@ -204,7 +204,7 @@ bool isBinaryPropertyList(std::string_view bytes) {
 }
 
 std::string xmlFromBinaryPropertyList(std::string_view bytes) {
-    return Walk(bytes).toXML();
+    return BinaryWalk(bytes).toXML();
 }
 
 }  // namespace vantrel::gnustep

@@ -70,9 +70,9 @@ bool isUTF8(std::string_view text) {
 }
 
 /// Walks a list and writes what it comes by.
-class Walk {
+class TextWalk {
 public:
-    explicit Walk(std::string_view text) : text_(text), xml_(listStart) {
+    explicit TextWalk(std::string_view text) : text_(text), xml_(listStart) {
         xml_.reserve(std::min(4 * text.size(), largestPropertyList + 1));
     }
 
@@ -216,7 +216,7 @@ bool isTextPropertyList(std::string_view bytes) {
 }
 
 std::string xmlFromTextPropertyList(const std::string& text) {
-    return isUTF8(text) ? Walk(text).toXML() : std::string();
+    return isUTF8(text) ? TextWalk(text).toXML() : std::string();
 }
 
 }  // namespace vantrel::gnustep
