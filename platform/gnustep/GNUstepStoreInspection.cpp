@@ -2,9 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <filesystem>
-#include <set>
 #include <utility>
 
 #include "platform/gnustep/DefaultsLock.h"
@@ -13,6 +12,7 @@
 #include "platform/posix/FileContents.h"
 #include "platform/posix/Folders.h"
 #include "platform/posix/TemporaryFile.h"
+#include "platform/posix/Trouble.h"
 
 namespace vantrel::gnustep {
 namespace {
@@ -97,13 +97,13 @@ std::optional<Problem> GNUstepStoreInspection::problemOf(const std::string& path
 }
 
 void GNUstepStoreInspection::findFilesSetAside(const std::string& path, std::vector<StoreFinding>& findings) {
-    std::error_code ignored;
-    const std::string start = path + std::string(setAsideMark);
-    std::set<std::string> sorted;
-    for (const auto& entry : std::filesystem::directory_iterator(posix::folderOf(path), ignored)) {
-        if (entry.path().string().starts_with(start)) sorted.insert(entry.path().string());
-    }
-    for (const auto& file : sorted) findings.push_back({Problem::setAside, file});
+    const std::string folder = posix::folderOf(path);
+    const std::string start = posix::nameOf(path).append(setAsideMark);
+    std::vector<std::string> names;
+    calls_.listFolder(
+        folder.c_str(), [&](std::string_view name) { return name.starts_with(start); }, names);
+    std::sort(names.begin(), names.end());
+    for (const auto& name : names) findings.push_back({Problem::setAside, folder + '/' + name});
 }
 
 void GNUstepStoreInspection::findUnfinishedFiles(const std::string& folder, std::vector<StoreFinding>& findings) {

@@ -35,7 +35,7 @@ private:
     std::string fileAbove(const std::string& path);
     std::optional<StoreFinding::Problem> problemOf(const std::string& path, const struct stat& status,
                                                    std::size_t longest);
-    static void findFilesSetAside(const std::string& path, std::vector<StoreFinding>& findings);
+    void findFilesSetAside(const std::string& path, std::vector<StoreFinding>& findings);
     void findUnfinishedFiles(const std::string& folder, std::vector<StoreFinding>& findings);
 
     Places places_;

@@ -1,11 +1,14 @@
 #pragma once
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstddef>
 #include <ctime>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace vantrel::posix {
 
@@ -41,8 +44,10 @@ public:
     virtual int rmdir(const char* path);
     /// Takes or frees a lock that dies with the open file.
     virtual int flock(int descriptor, int operation);
-    /// Finds the names in a folder that `isWanted`, as many as are returned; they and their array are to be freed.
-    virtual int scandir(const char* path, struct dirent*** names, int (*isWanted)(const struct dirent*));
+    /// Adds the names in a folder that `isWanted` to `names`, as far as the folder can be read. Where the system allows
+    /// it, that doesn't count as reading: the folder's new time would be one more block to flush with a new file in it.
+    virtual int listFolder(const char* path, const std::function<bool(std::string_view name)>& isWanted,
+                           std::vector<std::string>& names);
     /// Pauses for as long, signals or not.
     virtual int nanosleep(const struct timespec& duration);
     virtual int clockGettime(clockid_t clock, struct timespec* time);

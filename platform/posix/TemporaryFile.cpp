@@ -6,9 +6,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
-#include <memory>
 #include <string_view>
+#include <vector>
 
 namespace vantrel::posix {
 namespace {
@@ -18,17 +17,12 @@ constexpr std::string_view randomEnd = "XXXXXX";
 /// How often a new file may be taken for left behind before it is locked.
 constexpr int mostTries = 5;
 
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
 bool isLetterOrDigit(char character) {
     return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'Z') ||
            (character >= 'a' && character <= 'z');
 }
 
-int isTemporaryName(const struct dirent* entry) {
-    const std::string_view name = entry->d_name;
+bool isTemporaryName(std::string_view name) {
     return name.size() == prefix.size() + randomEnd.size() && name.starts_with(prefix) &&
            std::all_of(name.begin() + prefix.size(), name.end(), isLetterOrDigit);
 }
@@ -92,14 +86,9 @@ int TemporaryFile::renameNoReplace(const std::string& path) {
 
 void visitLeftovers(SystemCalls& calls, const std::string& folder,
                     const std::function<void(const std::string& path)>& visit) {
-    struct dirent** names = nullptr;
-    const int count = calls.scandir(folder.empty() ? "." : folder.c_str(), &names, isTemporaryName);
-    if (count < 0) return;
-    const std::unique_ptr<struct dirent*, Free> array(names);
-    for (int index = 0; index < count; ++index) {
-        const std::unique_ptr<struct dirent, Free> name(names[index]);
-        visitIfLeft(calls, inside(folder, name->d_name), visit);
-    }
+    std::vector<std::string> names;
+    if (calls.listFolder(folder.empty() ? "." : folder.c_str(), isTemporaryName, names) != 0) return;
+    for (const auto& name : names) visitIfLeft(calls, inside(folder, name), visit);
 }
 
 void removeLeftovers(SystemCalls& calls, const std::string& folder) {

@@ -248,8 +248,8 @@ const Lines moving = Lines{"renameNoReplace"} + flushing;
 const Lines removing = Lines{"unlink"} + flushing;
 
 /// Copying the version enabler.
-const Lines copying = Lines{"open", "fstat", "scandir", "mkostemp", "flock", "fstat",  "read",  "write",
-                            "read", "write", "read",    "write",    "read",  "fchmod", "fsync", "renameNoReplace"} +
+const Lines copying = Lines{"open", "fstat", "listFolder", "mkostemp", "flock", "fstat",  "read",  "write",
+                            "read", "write", "read",       "write",    "read",  "fchmod", "fsync", "renameNoReplace"} +
                       flushing + Lines{"close", "close"};
 
 const std::vector<Click> clicks{
@@ -289,7 +289,7 @@ struct Failed {
 /// for what others left, or opens a folder that is to be written through.
 bool canBeDoneWithout(const Lines& calls, std::size_t number) {
     const auto& name = calls[number];
-    if (name == "close" || name == "lstat" || name == "scandir" || name == "flock") return true;
+    if (name == "close" || name == "lstat" || name == "listFolder" || name == "flock") return true;
     if (name == "open") return number + 1 < calls.size() && calls[number + 1] == "fsync";
     return name == "fstat" && calls[number - 1] == "flock";
 }

@@ -106,8 +106,9 @@ public:
     int flock(int descriptor, int operation) override {
         return run("flock", [&] { return SystemCalls::flock(descriptor, operation); });
     }
-    int scandir(const char* path, struct dirent*** names, int (*isWanted)(const struct dirent*)) override {
-        return run("scandir", [&] { return SystemCalls::scandir(path, names, isWanted); });
+    int listFolder(const char* path, const std::function<bool(std::string_view)>& isWanted,
+                   std::vector<std::string>& names) override {
+        return run("listFolder", [&] { return SystemCalls::listFolder(path, isWanted, names); });
     }
     int nanosleep(const struct timespec& duration) override {
         return run("nanosleep", [&] { return SystemCalls::nanosleep(duration); });

@@ -225,8 +225,8 @@ TEST_F(PosixFilesCopy, IsSeenUnderItsNameOnlyOnceItIsWholeAndOnTheDisk) {
     };
     EXPECT_EQ(files.copyItemAtPath(folder / "own", folder / "copy"), std::nullopt);
     EXPECT_THAT(calls.made(),
-                ElementsAre("open", "fstat", "scandir", "mkostemp", "flock", "fstat", "read", "write", "read", "fchmod",
-                            "fsync", "renameNoReplace", "open", "fsync", "close", "close", "close"));
+                ElementsAre("open", "fstat", "listFolder", "mkostemp", "flock", "fstat", "read", "write", "read",
+                            "fchmod", "fsync", "renameNoReplace", "open", "fsync", "close", "close", "close"));
 }
 
 TEST_F(PosixFilesCopy, TheNextOneRemovesWhatAKilledOneLeft) {

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -145,7 +146,7 @@ TEST_F(TemporaryFileTest, AFileOfAnotherUserStays) {
 
 TEST_F(TemporaryFileTest, WhatCantBeLookedAtStaysAndStopsNothing) {
     const auto name = leave();
-    for (const char* call : {"scandir", "open", "fstat", "flock", "unlink"}) {
+    for (const char* call : {"listFolder", "open", "fstat", "flock", "unlink"}) {
         SCOPED_TRACE(call);
         calls.fail(call, EIO);
         EXPECT_THAT(namesAfterCleaning(), ElementsAre(name));
@@ -153,6 +154,18 @@ TEST_F(TemporaryFileTest, WhatCantBeLookedAtStaysAndStopsNothing) {
     calls.fail("open", EACCES);
     TemporaryFile file(calls);
     EXPECT_EQ(file.create(folder.path), 0);
+}
+
+TEST_F(TemporaryFileTest, LookingForThemLeavesTheFoldersTimeOfReading) {
+    const struct timespec old { 1'000'000'000, 0 };
+    const struct timespec times[] {
+        old, { 0, UTIME_NOW }
+    };
+    ASSERT_EQ(utimensat(AT_FDCWD, folder.path.c_str(), times, 0), 0);
+    removeLeftovers(calls, folder.path);
+    struct stat status {};
+    ASSERT_EQ(stat(folder.path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_atim.tv_sec, old.tv_sec);
 }
 
 TEST_F(TemporaryFileTest, OneThatIsTakenForLeftBehindBeforeItIsLockedIsMadeAgain) {
