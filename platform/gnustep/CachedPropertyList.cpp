@@ -46,9 +46,9 @@ CachedPropertyList::State CachedPropertyList::refresh() {
     return read();
 }
 
-void CachedPropertyList::wasReplaced(PropertyList list, const struct stat& status,
+void CachedPropertyList::wasReplaced(const PropertyListUpdate& update, const struct stat& status,
                                      const posix::FileReplacement& replacement) {
-    list_ = std::move(list);
+    list_.make(update);
     becomes(State::readable, {});
     status_ = status;
     isSettled_ = replacement.isAsMade(status);

@@ -43,8 +43,10 @@ public:
     /// Grows with every look that finds something else than the one before.
     unsigned long revision() const { return revision_; }
 
-    /// Takes over what this process has just put into the file, and what the system says of that.
-    void wasReplaced(PropertyList list, const struct stat& status, const posix::FileReplacement& replacement);
+    /// Takes over what this process has just put into the file: what an update makes of the list, and what the system
+    /// says of that.
+    void wasReplaced(const PropertyListUpdate& update, const struct stat& status,
+                     const posix::FileReplacement& replacement);
 
 private:
     State read();

@@ -36,8 +36,8 @@ bool cantLink(int error) {
 }  // namespace
 
 struct DomainFile::Next {
-    PropertyList list;
-    /// The file's that it was made of.
+    PropertyListUpdate update;
+    /// The file's that it was made for.
     unsigned long revision;
     posix::FileReplacement replacement;
 };
@@ -123,10 +123,10 @@ std::optional<Trouble> DomainFile::prepare(std::unique_ptr<Next>& next) {
         pending_.clear();
         return std::nullopt;
     }
-    auto list = file_.list().with(*changes);
-    if (!list) return Trouble{EOVERFLOW, path_};
-    next.reset(new Next{std::move(*list), file_.revision(), {calls_, path_}});
-    if (next->replacement.prepare(next->list.bytes()) == 0) return std::nullopt;
+    auto update = file_.list().updateFor(*changes);
+    if (!update) return Trouble{EOVERFLOW, path_};
+    next.reset(new Next{std::move(*update), file_.revision(), {calls_, path_}});
+    if (next->replacement.prepare(file_.list().bytesAfter(next->update)) == 0) return std::nullopt;
     Trouble trouble{errno, posix::folderOf(next->replacement.target())};
     next.reset();
     return trouble;
@@ -174,7 +174,7 @@ std::optional<Trouble> DomainFile::place(Next& next) {
     }
     lock_.release();
 
-    file_.wasReplaced(std::move(next.list), status, next.replacement);
+    file_.wasReplaced(next.update, status, next.replacement);
     pending_.clear();
     mustReplaceAgain_ = next.replacement.settle() != 0;
     return mustReplaceAgain_ ? std::optional(Trouble{errno, posix::folderOf(path)}) : std::nullopt;

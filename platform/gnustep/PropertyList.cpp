@@ -101,57 +101,6 @@ void moveEntry(PropertyListEntry& entry, std::uint32_t distance) {
     if (!entry.isNamedApart) entry.name += distance;
 }
 
-/// Passages of a list and what comes in their place, put there in one pass.
-class Splices {
-public:
-    /// No two passages may overlap.
-    void add(std::uint32_t start, std::uint32_t end, std::string_view text) {
-        splices_.push_back({start, end, text, text.size() - (end - start)});
-    }
-
-    /// Nothing when it would become too large.
-    std::optional<std::string> appliedTo(std::string_view bytes) {
-        std::sort(splices_.begin(), splices_.end(),
-                  [](const Splice& one, const Splice& other) { return one.start < other.start; });
-        std::size_t growth = 0;
-        for (Splice& splice : splices_) splice.growth = growth += splice.growth;
-        if (bytes.size() + growth > largestPropertyList) return std::nullopt;
-
-        std::string spliced;
-        spliced.reserve(bytes.size() + growth);
-        std::size_t at = 0;
-        for (const Splice& splice : splices_) {
-            spliced.append(bytes, at, splice.start - at).append(splice.text);
-            at = splice.end;
-        }
-        spliced.append(bytes, at);
-        return spliced;
-    }
-
-    /// How far what stood at `position` has gone, in numbers that wrap around; what comes in place of a passage counts
-    /// as standing at its start.
-    std::uint32_t distanceAt(std::uint32_t position) const {
-        // Almost everything stands before the first passage or behind the last.
-        if (splices_.empty() || position <= splices_.front().start) return 0;
-        if (position > splices_.back().start) return static_cast<std::uint32_t>(splices_.back().growth);
-        const auto next = std::partition_point(splices_.begin(), splices_.end(),
-                                               [&](const Splice& splice) { return splice.start < position; });
-        return static_cast<std::uint32_t>(std::prev(next)->growth);
-    }
-
-private:
-    struct Splice {
-        std::uint32_t start;
-        std::uint32_t end;
-        std::string_view text;
-        /// By how much the bytes grow up to here, in numbers that wrap around; before they are sorted, by this one
-        /// alone.
-        std::size_t growth;
-    };
-
-    std::vector<Splice> splices_;
-};
-
 }  // namespace
 
 void PropertyListChanges::set(std::string_view key, const NewPreferenceValue& value) {
@@ -238,58 +187,74 @@ std::vector<std::string> PropertyList::keys() const {
     return keys;
 }
 
-std::optional<PropertyList> PropertyList::with(const PropertyListChanges& changes) const {
-    PropertyList list;
-    list.entries_ = entries_;
-    list.names_ = names_;
-    Splices splices;
+std::optional<PropertyListUpdate> PropertyList::updateFor(const PropertyListChanges& changes) const {
+    PropertyListUpdate update;
     std::string added;
-    std::vector<Entry> addedEntries;
     for (const auto& [key, element] : changes.elements_) {
         auto [index, last] = indicesOf(key);
         if (!element.empty() && index == last) {
-            addedEntries.push_back(list.addTo(added, key, element));
+            addTo(added, update, key, element);
         } else if (!element.empty()) {
             const Entry& entry = entries_[--last];
-            splices.add(entry.value, entry.end, element);
-            list.entries_[last].end = static_cast<std::uint32_t>(entry.value + element.size());
+            update.ends_.emplace_back(last, static_cast<std::uint32_t>(entry.value + element.size()));
+            update.splices_.add(entry.value, entry.end, element);
         }
         for (; index < last; ++index) {
-            splices.add(lineBreakBefore(bytes_, entries_[index].start), entries_[index].end, {});
-            list.entries_[index].end = 0;
+            update.ends_.emplace_back(index, 0);
+            update.splices_.add(lineBreakBefore(bytes_, entries_[index].start), entries_[index].end, {});
         }
     }
-    const auto end = lineBreakBefore(bytes_, dictionaryEnd_);
-    if (!added.empty()) splices.add(end, end, added);
-    auto bytes = splices.appliedTo(bytes_);
-    if (!bytes) return std::nullopt;
+    update.addedAt_ = lineBreakBefore(bytes_, dictionaryEnd_);
+    if (!added.empty()) update.splices_.add(update.addedAt_, update.addedAt_, std::move(added));
+    update.splices_.sort();
+    if (bytes_.size() + update.splices_.growth() > largestPropertyList) return std::nullopt;
+    return update;
+}
 
-    list.bytes_ = std::move(*bytes);
-    list.dictionaryEnd_ = static_cast<std::uint32_t>(list.bytes_.size() - (bytes_.size() - dictionaryEnd_));
-    std::erase_if(list.entries_, [](const Entry& entry) { return entry.end == 0; });
-    for (Entry& entry : list.entries_) moveEntry(entry, splices.distanceAt(entry.start));
-    const auto firstNew = list.entries_.size();
-    for (Entry& entry : addedEntries) {
-        moveEntry(entry, end + splices.distanceAt(end));
-        list.entries_.push_back(entry);
+void PropertyList::make(const PropertyListUpdate& update) {
+    const auto& splices = update.splices_;
+    bool anyGoes = false;
+    for (const auto& [index, end] : update.ends_) {
+        entries_[index].end = end;
+        anyGoes |= end == 0;
     }
-    list.sort(firstNew);
+    if (anyGoes) std::erase_if(entries_, [](const Entry& entry) { return entry.end == 0; });
+    for (Entry& entry : entries_) moveEntry(entry, splices.distanceAt(entry.start));
+    const auto firstNew = entries_.size();
+    const auto addedAt = update.addedAt_ + splices.distanceAt(update.addedAt_);
+    for (Entry entry : update.added_) {
+        moveEntry(entry, addedAt);
+        if (entry.isNamedApart) entry.name += static_cast<std::uint32_t>(names_.size());
+        entries_.push_back(entry);
+    }
+    names_ += update.names_;
+    splices.applyTo(bytes_);
+    dictionaryEnd_ += static_cast<std::uint32_t>(splices.growth());
+    sort(firstNew);
+}
+
+std::optional<PropertyList> PropertyList::with(const PropertyListChanges& changes) const {
+    const auto update = updateFor(changes);
+    if (!update) return std::nullopt;
+    PropertyList list = *this;
+    list.make(*update);
     return list;
 }
 
-PropertyList::Entry PropertyList::addTo(std::string& added, std::string_view key, std::string_view element) {
+void PropertyList::addTo(std::string& added, PropertyListUpdate& update, std::string_view key,
+                         std::string_view element) {
     Entry entry{};
     added += "\n\t";
     entry.start = static_cast<std::uint32_t>(added.size());
     added += "<key>";
     appendText(added, key);
     added += "</key>";
-    setName(entry, std::string_view(added).substr(entry.start), names_);
+    setName(entry, std::string_view(added).substr(entry.start), update.names_);
     added += "\n\t";
     entry.value = static_cast<std::uint32_t>(added.size());
     added += element;
     entry.end = static_cast<std::uint32_t>(added.size());
-    return entry;
+    update.added_.push_back(entry);
 }
 
 std::pair<std::size_t, std::size_t> PropertyList::indicesOf(std::string_view key) const {

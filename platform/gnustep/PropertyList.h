@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/Preferences.h"
+#include "platform/gnustep/Splices.h"
 #include "platform/gnustep/XMLPropertyList.h"
 
 namespace vantrel::gnustep {
@@ -34,6 +35,21 @@ private:
 
     /// The values as they are written, with their tags; nothing where the entry goes.
     std::map<std::string, std::string, std::less<>> elements_;
+};
+
+/// What changes make of a list as it was when they were looked at. What they don't name stays letter for letter,
+/// entries of no known meaning and comments included; new entries go to the end of the dictionary.
+class PropertyListUpdate {
+    friend class PropertyList;
+
+    Splices splices_;
+    /// Where entries of the list end from now on, by their indices; 0 for one that goes.
+    std::vector<std::pair<std::size_t, std::uint32_t>> ends_;
+    /// The new entries, as they stand in what is put in at `addedAt_`.
+    std::vector<PropertyListEntry> added_;
+    /// Of those; see `PropertyListEntry`.
+    std::string names_;
+    std::uint32_t addedAt_ = 0;
 };
 
 /// A property list whose top is a dictionary: its XML, and where each entry stands in it. Of a key that comes twice,
@@ -64,9 +80,19 @@ public:
     /// All keys, sorted, each once.
     std::vector<std::string> keys() const;
 
-    /// The list after `changes`, made in one pass. What they don't name stays letter for letter, entries of no known
-    /// meaning and comments included; new entries go to the end of the dictionary. Nothing when it would be larger than
-    /// `largestPropertyList`, and so could not be read again.
+    /// What `changes` make of the list. Nothing when it would be larger than `largestPropertyList`, and so could not be
+    /// read again.
+    [[nodiscard]] std::optional<PropertyListUpdate> updateFor(const PropertyListChanges& changes) const;
+
+    /// The bytes that `make` will make of the list's, in pieces that stand in the list and in `update`.
+    std::vector<std::string_view> bytesAfter(const PropertyListUpdate& update) const {
+        return update.splices_.pieces(bytes_);
+    }
+
+    /// Carries out what was found for the list as it is.
+    void make(const PropertyListUpdate& update);
+
+    /// The list after `changes`. Nothing as `updateFor`.
     [[nodiscard]] std::optional<PropertyList> with(const PropertyListChanges& changes) const;
 
     /// The list as it is written to a file.
@@ -83,8 +109,8 @@ private:
 
     std::string_view name(const Entry& entry) const;
 
-    /// Appends an entry to `added`, which will be put into the list, and tells where it stands there.
-    Entry addTo(std::string& added, std::string_view key, std::string_view element);
+    /// Appends an entry to `added`, which will be put into the list, and notes where it stands there.
+    static void addTo(std::string& added, PropertyListUpdate& update, std::string_view key, std::string_view element);
 
     /// Puts the entries from the index `firstNew` on to their places among the others.
     void sort(std::size_t firstNew);

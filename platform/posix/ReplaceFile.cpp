@@ -36,14 +36,16 @@ int followLinks(SystemCalls& calls, std::string& path) {
 FileReplacement::FileReplacement(SystemCalls& calls, std::string path, Links links)
     : calls_(calls), target_(std::move(path)), links_(links), file_(calls) {}
 
-int FileReplacement::prepare(std::string_view bytes) {
+int FileReplacement::prepare(std::span<const std::string_view> pieces) {
     if (links_ == Links::followed && followLinks(calls_, target_) != 0) return -1;
     const std::string folder = folderOf(target_);
     // Opened now, so that as little as possible can fail once the file is in its place.
     folder_.emplace(calls_, openFolder(calls_, folder));
     if (!folder_->isOpen() || file_.create(folder) != 0) return -1;
     const int file = file_.file().number();
-    if (writeAll(calls_, file, bytes.data(), bytes.size()) != 0) return -1;
+    for (const auto piece : pieces) {
+        if (writeAll(calls_, file, piece.data(), piece.size()) != 0) return -1;
+    }
     setTime();
     return calls_.fsync(file);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -30,9 +31,10 @@ public:
     /// Of the file at `path`, which need not exist.
     FileReplacement(SystemCalls& calls, std::string path, Links links = Links::followed);
 
-    /// Writes `bytes` into a new file of mode 0600 in the same folder, and through to the disk. What dead processes
-    /// left there on their way is removed.
-    [[nodiscard]] int prepare(std::string_view bytes);
+    /// Writes the bytes in `pieces` into a new file of mode 0600 in the same folder, and through to the disk. What dead
+    /// processes left there on their way is removed.
+    [[nodiscard]] int prepare(std::span<const std::string_view> pieces);
+    [[nodiscard]] int prepare(std::string_view bytes) { return prepare({&bytes, 1}); }
 
     /// Gives the new file the old one's name. `status`, if wanted, is told about it; all zeros when that isn't known.
     [[nodiscard]] int place(struct stat* status = nullptr, InPlace inPlace = InPlace::anything);

@@ -140,5 +140,17 @@ TEST(CachedPropertyListMemory, DamageIsForgottenWithTheFileThatHadIt) {
     EXPECT_LT(small, 500'000U);
 }
 
+TEST(PropertyListMemory, AListThatGrowsALittleTakesALittleMore) {
+    std::string bytes = "<dict><key>a</key><string>" + std::string(1'000'000, 'x') + "</string></dict>";
+    bytes.shrink_to_fit();
+    const auto before = allocations.bytes - bytes.capacity();
+    auto list = PropertyList::parse(std::move(bytes));
+    ASSERT_TRUE(list);
+    PropertyListChanges changes;
+    changes.set("b", true);
+    list->make(list->updateFor(changes).value());
+    EXPECT_LT(allocations.bytes - before, 1'500'000U);
+}
+
 }  // namespace
 }  // namespace vantrel::gnustep

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -414,23 +415,33 @@ TEST(PropertyListParse, TheLocaleDoesntMatter) {
 
 // Changes
 
+/// `list` with `changes`, of which it has announced the bytes.
+PropertyList with(const PropertyList& list, const PropertyListChanges& changes) {
+    std::string announced;
+    const auto update = list.updateFor(changes).value();
+    for (const auto piece : list.bytesAfter(update)) announced += piece;
+    auto changed = list.with(changes).value();
+    EXPECT_EQ(changed.bytes(), announced);
+    return changed;
+}
+
 /// `list` with one value set.
 PropertyList withSet(const PropertyList& list, std::string_view key, const NewPreferenceValue& value) {
     PropertyListChanges changes;
     changes.set(key, value);
-    return list.with(changes).value();
+    return with(list, changes);
 }
 
 PropertyList withRemoved(const PropertyList& list, std::string_view key) {
     PropertyListChanges changes;
     changes.remove(key);
-    return list.with(changes).value();
+    return with(list, changes);
 }
 
 PropertyList withCopied(const PropertyList& list, std::string_view key, const PropertyList& from) {
     PropertyListChanges changes;
     changes.copy(key, from);
-    return list.with(changes).value();
+    return with(list, changes);
 }
 
 TEST(PropertyListChange, WhatIsSetIsReadBack) {
@@ -451,9 +462,9 @@ TEST(PropertyListChange, OfSeveralChangesToAKeyTheLastCounts) {
     changes.remove("key");
     changes.set("key", 1L);
     changes.set("key", false);
-    EXPECT_EQ(readOf(PropertyList().with(changes).value()), "false");
+    EXPECT_EQ(readOf(with(PropertyList(), changes)), "false");
     changes.remove("key");
-    EXPECT_EQ(PropertyList().with(changes).value().bytes(), listOf(""));
+    EXPECT_EQ(with(PropertyList(), changes).bytes(), listOf(""));
 }
 
 TEST(PropertyListChange, EveryTextSurvivesTheFile) {
@@ -530,7 +541,7 @@ TEST(PropertyListChange, WhatStandsBehindSeveralChangesIsStillFound) {
     PropertyListChanges changes;
     changes.set("a", "longer"s);
     changes.set("b", 12345L);
-    const auto changed = list.with(changes).value();
+    const auto changed = with(list, changes);
     EXPECT_THAT(changed.keys(), ElementsAre("a", "b", "c"));
     EXPECT_EQ(changed.element("c"), "<string>C</string>");
 }
@@ -548,7 +559,7 @@ TEST(PropertyListChange, ManyChangesAtOnceAreTheSameAsOneByOne) {
     changes.remove("uid");
     changes.set("kéA", false);
     changes.set("zz\x01", 2L);
-    const auto atOnce = list.with(changes).value();
+    const auto atOnce = with(list, changes);
 
     for (const auto* key : {"", "aa", "data", "key", "kéA", "nothing", "string", "uid", "zz\x01"}) {
         PropertyListChanges one;
@@ -559,13 +570,68 @@ TEST(PropertyListChange, ManyChangesAtOnceAreTheSameAsOneByOne) {
         if (key == "key"s) one.copy(key, other);
         if (key == "kéA"s) one.set(key, false);
         if (key == "zz\x01"s) one.set(key, 2L);
-        list = list.with(one).value();
+        list = with(list, one);
     }
     EXPECT_EQ(atOnce.bytes(), list.bytes());
     EXPECT_EQ(atOnce.keys(), list.keys());
     const auto again = parsed(atOnce.bytes());
     EXPECT_EQ(again.keys(), atOnce.keys());
     for (const auto& key : again.keys()) EXPECT_EQ(again.element(key), atOnce.element(key)) << key;
+}
+
+/// Makes `changes` in `list`, which isn't copied.
+void make(PropertyList& list, const PropertyListChanges& changes) {
+    list.make(list.updateFor(changes).value());
+}
+
+TEST(PropertyListMake, WhereverAListFindsRoomItIsTheSame) {
+    auto list = parsed(listOf(entriesOfAllKinds));
+    std::map<std::string, std::string> wanted;
+    for (const auto& key : list.keys()) wanted[key] = list.element(key);
+    const auto set = [&](PropertyListChanges& changes, const std::string& key, const std::string& text) {
+        changes.set(key, text);
+        wanted[key] = "<string>" + text + "</string>";
+    };
+    const auto remove = [&](PropertyListChanges& changes, const std::string& key) {
+        changes.remove(key);
+        wanted.erase(key);
+    };
+    for (const std::size_t length : {1, 2, 1, 0, 50, 49, 500, 2000, 10, 3000, 1}) {
+        PropertyListChanges few;
+        set(few, "tenth", std::string(length, 'a'));
+        set(few, "new", std::string(length, 'b'));
+        make(list, few);
+        PropertyListChanges many;
+        for (const auto* key : {"array", "data", "kéA", "a<&\\", "uid", "\x01", "string"}) {
+            set(many, key, std::string(3000 - length, 'c'));
+        }
+        make(list, many);
+        PropertyListChanges removal;
+        for (const auto* key : {"new", "array", "kéA", "a<&\\", "\x01"}) remove(removal, key);
+        make(list, removal);
+
+        const auto again = parsed(list.bytes());
+        EXPECT_EQ(again.keys(), list.keys());
+        for (const auto& [key, element] : wanted) {
+            EXPECT_EQ(list.element(key), element) << key << ' ' << length;
+            EXPECT_EQ(again.element(key), element) << key << ' ' << length;
+        }
+        EXPECT_EQ(list.keys().size(), wanted.size());
+    }
+}
+
+TEST(PropertyListMake, AListThatGrowsALittleStaysWhereItIs) {
+    auto list = listWith("<string>" + std::string(100'000, 'a') + "</string>");
+    PropertyListChanges flag;
+    flag.set("flag", true);
+    make(list, flag);
+    const auto* place = list.bytes().data();
+    for (const bool isOn : {false, true, false}) {
+        flag.set("flag", isOn);
+        make(list, flag);
+        EXPECT_EQ(list.bytes().data(), place);
+        EXPECT_EQ(readOf(list, "flag"), isOn ? "true" : "false");
+    }
 }
 
 TEST(PropertyListChange, ANewEntryGoesToTheEndOnALineOfItsOwn) {
