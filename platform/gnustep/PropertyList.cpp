@@ -213,6 +213,10 @@ std::optional<PropertyListUpdate> PropertyList::updateFor(const PropertyListChan
 
 void PropertyList::make(const PropertyListUpdate& update) {
     const auto& splices = update.splices_;
+    // What may find no memory comes first.
+    entries_.reserve(entries_.size() + update.added_.size());
+    names_.reserve(names_.size() + update.names_.size());
+    splices.applyTo(bytes_);
     bool anyGoes = false;
     for (const auto& [index, end] : update.ends_) {
         entries_[index].end = end;
@@ -228,7 +232,6 @@ void PropertyList::make(const PropertyListUpdate& update) {
         entries_.push_back(entry);
     }
     names_ += update.names_;
-    splices.applyTo(bytes_);
     dictionaryEnd_ += static_cast<std::uint32_t>(splices.growth());
     sort(firstNew);
 }
