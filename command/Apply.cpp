@@ -111,6 +111,7 @@ Status apply(Context& context, const Arguments& arguments) {
     auto& store = context.store;
     auto changes =
         store.changes(wishesOf(entriesOf(arguments.words.front(), context.system.services.propertyLists), store));
+    if (arguments.check) warnOfHiddenSettings(context);
     try {
         if (!arguments.check) store.make(changes);
     } catch (const Problem&) {

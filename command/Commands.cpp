@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "command/Text.h"
+
 namespace vantrel {
 namespace {
 
@@ -47,6 +49,21 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     }
     return words;
+}
+
+std::vector<std::string> hiddenSettings(StoreInspection& inspection, std::string_view consequence) {
+    std::vector<std::string> lines;
+    for (const auto& finding : inspection.findings({})) {
+        if (finding.hidesSettings())
+            lines.push_back(onOneLine(finding.path).append(": can't be read, so ").append(consequence));
+    }
+    return lines;
+}
+
+void warnOfHiddenSettings(Context& context) {
+    for (const auto& line : hiddenSettings(context.system.inspection, "its settings count as missing")) {
+        context.system.services.log.log(line);
+    }
 }
 
 }  // namespace vantrel

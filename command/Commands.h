@@ -59,6 +59,12 @@ std::vector<std::string_view> split(std::string_view text, char separator);
 /// `Store::make`, after the lines of those that were made until then.
 void makeAndTell(Store& store, std::vector<Change>& changes);
 
+/// A line for each file that keeps stored settings from being seen, with what comes of that.
+std::vector<std::string> hiddenSettings(StoreInspection& inspection, std::string_view consequence);
+
+/// Logs these lines: to the commands that read, hidden settings are missing ones.
+void warnOfHiddenSettings(Context& context);
+
 /// Each command has a file of its name.
 Status list(Context& context, const Arguments& arguments);
 Status get(Context& context, const Arguments& arguments);

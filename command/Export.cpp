@@ -1,7 +1,6 @@
 #include <iostream>
 
 #include "command/Commands.h"
-#include "command/Text.h"
 
 namespace vantrel {
 namespace {
@@ -74,10 +73,8 @@ Node configurationProfile(const Node::Members& entries) {
 }  // namespace
 
 Status exportProfile(Context& context, const Arguments& arguments) {
-    for (const auto& finding : context.system.inspection.findings({})) {
-        if (!finding.hidesSettings()) continue;
-        throw Problem::failure(onOneLine(finding.path) + ": can't be read, so nothing is exported");
-    }
+    const auto hidden = hiddenSettings(context.system.inspection, "nothing is exported");
+    if (!hidden.empty()) throw Problem::failure(hidden.front());
     auto& log = context.system.services.log;
     const bool isForDevices = arguments.format == "mobileconfig";
     if (isForDevices) {

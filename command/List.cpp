@@ -64,6 +64,7 @@ Node nodeOf(const Setting& setting, const Standing& standing) {
 }  // namespace
 
 Status list(Context& context, const Arguments& arguments) {
+    warnOfHiddenSettings(context);
     Node::List nodes;
     std::string_view group;
     std::vector<Row> rows;

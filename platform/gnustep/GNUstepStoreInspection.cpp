@@ -103,7 +103,8 @@ void GNUstepStoreInspection::findFilesSetAside(const std::string& path, std::vec
     calls_.listFolder(
         folder.c_str(), [&](std::string_view name) { return name.starts_with(start); }, names);
     std::sort(names.begin(), names.end());
-    for (const auto& name : names) findings.push_back({Problem::setAside, std::string(folder).append("/").append(name)});
+    for (const auto& name : names)
+        findings.push_back({Problem::setAside, std::string(folder).append("/").append(name)});
 }
 
 void GNUstepStoreInspection::findUnfinishedFiles(const std::string& folder, std::vector<StoreFinding>& findings) {

@@ -119,6 +119,15 @@ class Check(Apply):
         self.assertEqual((answer.status, answer.err), (2, ""))
         self.expect(["apply", path], answer.out)
 
+    def test_a_store_that_cant_be_read_is_told(self):
+        self.domain_file.parent.mkdir(parents=True, exist_ok=True)
+        self.domain_file.write_text("damaged", encoding="utf-8")
+        path = self.profile({"FormatRGB8": True})
+        change = "FormatRGB8: missing -> on\n1 changed, 0 unchanged\n"
+        self.expect(["apply", path, "--check"], change, status=2, err=self.counts_as_missing(self.domain_file))
+        answer = self.run_command("apply", path)
+        self.assertEqual((answer.status, answer.out), (0, change))
+
     def test_without_a_difference_the_status_is_0(self):
         self.write_domain(COMPLETE)
         self.expect(["apply", self.profile(COMPLETE), "--check"], f"0 changed, {len(COMPLETE)} unchanged\n")

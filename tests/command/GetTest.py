@@ -49,6 +49,18 @@ class Get(HomeTest):
                            ("OverridePath", "/Library/Application Support/Vantrel/Overrides")):
             self.expect(["get", key], f"{shown}\n")
 
+    def test_a_store_that_cant_be_read_is_told(self):
+        self.write_domain({"look": False})
+        self.write_record({"CPUM": 1})
+        self.domain_file.write_text("damaged", encoding="utf-8")
+        err = self.counts_as_missing(self.domain_file)
+        self.expect(["get", "look"], "on\n", err=err)
+        self.expect(["get", "CPUM"], "1\n", err=err)
+        self.expect(["get", "look", "--stored"], status=1, err=err + "vantrelctl: look: nothing is stored\n")
+        self.record_file.unlink()
+        self.record_file.symlink_to("elsewhere")
+        self.expect(["get", "CPUM"], "all\n", err=err + self.counts_as_missing(self.record_file))
+
     def test_a_mistyped_key_counts_as_missing(self):
         self.write_domain({"look": 0, "gamma": "-bool", "QTGammaCorrection": True, "LUTsPath": 3, "RenderDebayer": "2",
                            "MaxEncodeThreads": 0.5})

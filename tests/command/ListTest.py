@@ -43,6 +43,16 @@ class List(HomeTest):
         self.run_command("set", "LUTsPath", "/a\n/b\x1b[31m")
         self.assertIn("/a\\n/b\\x1b[31m", self.run_command("list").out)
 
+    def test_a_store_that_cant_be_read_is_told(self):
+        self.write_domain({})
+        whole = self.run_command("list")
+        self.assertEqual((whole.status, whole.err), (0, ""))
+        self.domain_file.write_text("damaged", encoding="utf-8")
+        for words in (["list"], ["list", "--json"]):
+            answer = self.run_command(*words)
+            self.assertEqual((answer.status, answer.err), (0, self.counts_as_missing(self.domain_file)))
+        self.expect(["list"], whole.out, err=self.counts_as_missing(self.domain_file))
+
     def test_there_is_no_colour_in_a_pipe(self):
         self.assertNotIn("\x1b", self.run_command("list").out)
 

@@ -117,6 +117,10 @@ class HomeTest(unittest.TestCase):
         self.expect(words, status=64, err=err, **options)
         self.assertEqual(self.stores(), before)
 
+    def counts_as_missing(self, file):
+        """What standard error is told of a file that hides settings."""
+        return f"vantrelctl: {file}: can't be read, so its settings count as missing\n"
+
     def without_library(self):
         """An environment in which the library of the override metadata can't be loaded."""
         folder = self.home / "libraries"
