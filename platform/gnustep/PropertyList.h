@@ -88,6 +88,7 @@ public:
     std::vector<std::string_view> bytesAfter(const PropertyListUpdate& update) const {
         return update.splices_.pieces(bytes_);
     }
+    std::vector<std::string_view> bytesAfter(const PropertyListUpdate&& gone) const = delete;
 
     /// Carries out what was found for the list as it is.
     void make(const PropertyListUpdate& update);

@@ -1,7 +1,6 @@
 #include "platform/gnustep/Splices.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace vantrel::gnustep {
@@ -15,15 +14,12 @@ constexpr std::size_t roomToGrow = 1024;
 
 }  // namespace
 
-void Splices::add(std::uint32_t start, std::uint32_t end, std::string text) {
-    splices_.push_back({start, end, std::move(text), 0});
-}
-
-void Splices::sort() {
+Splices::Splices(std::vector<Splice> splices) : splices_(std::move(splices)) {
     std::sort(splices_.begin(), splices_.end(),
               [](const Splice& one, const Splice& other) { return one.start < other.start; });
-    std::size_t growth = 0;
-    for (Splice& splice : splices_) splice.growth = growth += splice.text.size() - (splice.end - splice.start);
+    for (const Splice& splice : splices_) {
+        growths_.push_back(growth() + splice.text.size() - (splice.end - splice.start));
+    }
 }
 
 std::vector<std::string_view> Splices::pieces(std::string_view text) const {
@@ -57,7 +53,7 @@ void Splices::applyTo(std::string& text) const {
 std::size_t Splices::growthBefore(std::uint32_t position) const {
     const auto next = std::partition_point(splices_.begin(), splices_.end(),
                                            [&](const Splice& splice) { return splice.start < position; });
-    return std::prev(next)->growth;
+    return growths_[static_cast<std::size_t>(next - splices_.begin()) - 1];
 }
 
 }  // namespace vantrel::gnustep

@@ -8,17 +8,23 @@
 
 namespace vantrel::gnustep {
 
-/// Passages of a text, and what comes in their place.
+/// A passage of a text, and what comes in its place.
+struct Splice {
+    std::uint32_t start;
+    std::uint32_t end;
+    std::string text;
+};
+
+/// All that is to change in a text.
 class Splices {
 public:
-    /// No two passages may overlap.
-    void add(std::uint32_t start, std::uint32_t end, std::string text);
+    Splices() = default;
 
-    /// To be called once all are added, and before anything else is asked.
-    void sort();
+    /// No two passages may overlap.
+    explicit Splices(std::vector<Splice> splices);
 
     /// By how many bytes `text` grows, in numbers that wrap around.
-    std::size_t growth() const { return splices_.empty() ? 0 : splices_.back().growth; }
+    std::size_t growth() const { return growths_.empty() ? 0 : growths_.back(); }
 
     /// What `text` becomes, in pieces of it and of what comes in.
     std::vector<std::string_view> pieces(std::string_view text) const;
@@ -35,17 +41,12 @@ public:
     }
 
 private:
-    struct Splice {
-        std::uint32_t start;
-        std::uint32_t end;
-        std::string text;
-        /// By how much the text grows up to here, in numbers that wrap around.
-        std::size_t growth;
-    };
-
     std::size_t growthBefore(std::uint32_t position) const;
 
+    /// As they come in the text.
     std::vector<Splice> splices_;
+    /// By how much the text grows up to the end of each, in numbers that wrap around.
+    std::vector<std::size_t> growths_;
 };
 
 }  // namespace vantrel::gnustep

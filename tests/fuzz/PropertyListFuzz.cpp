@@ -20,8 +20,9 @@ void change(const PropertyList& list, std::string_view key, const vantrel::NewPr
     setting.set(key, value);
     const auto set = list.with(setting);
     if (!set) return;
+    const auto update = list.updateFor(setting).value();
     std::string announced;
-    for (const auto piece : list.bytesAfter(list.updateFor(setting).value())) announced += piece;
+    for (const auto piece : list.bytesAfter(update)) announced += piece;
     require(announced == set->bytes(), "what is written is what the list becomes");
     require(set->holds(key, value), "what is set is there");
     requireSameEntries(list, *set, key);
