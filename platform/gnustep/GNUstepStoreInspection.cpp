@@ -100,11 +100,12 @@ void GNUstepStoreInspection::findFilesSetAside(const std::string& path, std::vec
     const std::string folder = posix::folderOf(path);
     const std::string start = posix::nameOf(path).append(setAsideMark);
     std::vector<std::string> names;
-    calls_.listFolder(
-        folder.c_str(), [&](std::string_view name) { return name.starts_with(start); }, names);
+    calls_.listFolder(folder.c_str(), names);
     std::sort(names.begin(), names.end());
-    for (const auto& name : names)
+    for (const auto& name : names) {
+        if (!name.starts_with(start)) continue;
         findings.push_back({Problem::setAside, std::string(folder).append("/").append(name)});
+    }
 }
 
 void GNUstepStoreInspection::findUnfinishedFiles(const std::string& folder, std::vector<StoreFinding>& findings) {

@@ -189,7 +189,6 @@ std::vector<std::string> PropertyList::keys() const {
 
 std::optional<PropertyListUpdate> PropertyList::updateFor(const PropertyListChanges& changes) const {
     PropertyListUpdate update;
-    std::vector<Splice> splices;
     std::string added;
     for (const auto& [key, element] : changes.elements_) {
         auto [index, last] = indicesOf(key);
@@ -198,16 +197,15 @@ std::optional<PropertyListUpdate> PropertyList::updateFor(const PropertyListChan
         } else if (!element.empty()) {
             const Entry& entry = entries_[--last];
             update.ends_.emplace_back(last, static_cast<std::uint32_t>(entry.value + element.size()));
-            splices.push_back({entry.value, entry.end, element});
+            update.splices_.add(entry.value, entry.end, element);
         }
         for (; index < last; ++index) {
             update.ends_.emplace_back(index, 0);
-            splices.push_back({lineBreakBefore(bytes_, entries_[index].start), entries_[index].end, {}});
+            update.splices_.add(lineBreakBefore(bytes_, entries_[index].start), entries_[index].end, {});
         }
     }
     update.addedAt_ = lineBreakBefore(bytes_, dictionaryEnd_);
-    if (!added.empty()) splices.push_back({update.addedAt_, update.addedAt_, std::move(added)});
-    update.splices_ = Splices(std::move(splices));
+    if (!added.empty()) update.splices_.add(update.addedAt_, update.addedAt_, std::move(added));
     if (bytes_.size() + update.splices_.growth() > largestPropertyList) return std::nullopt;
     return update;
 }

@@ -1,6 +1,7 @@
 #include "platform/gnustep/Splices.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace vantrel::gnustep {
@@ -14,12 +15,12 @@ constexpr std::size_t roomToGrow = 1024;
 
 }  // namespace
 
-Splices::Splices(std::vector<Splice> splices) : splices_(std::move(splices)) {
-    std::sort(splices_.begin(), splices_.end(),
-              [](const Splice& one, const Splice& other) { return one.start < other.start; });
-    for (const Splice& splice : splices_) {
-        growths_.push_back(growth() + splice.text.size() - (splice.end - splice.start));
-    }
+void Splices::add(std::uint32_t start, std::uint32_t end, std::string text) {
+    const auto growth = text.size() - (end - start);
+    const auto next = std::partition_point(splices_.begin(), splices_.end(),
+                                           [start](const Splice& splice) { return splice.start < start; });
+    for (auto behind = next; behind != splices_.end(); ++behind) behind->growth += growth;
+    splices_.insert(next, {start, end, std::move(text), growthBefore(start) + growth});
 }
 
 std::vector<std::string_view> Splices::pieces(std::string_view text) const {
@@ -49,11 +50,10 @@ void Splices::applyTo(std::string& text) const {
     text = std::move(spliced);
 }
 
-/// Behind the first passage.
 std::size_t Splices::growthBefore(std::uint32_t position) const {
     const auto next = std::partition_point(splices_.begin(), splices_.end(),
-                                           [&](const Splice& splice) { return splice.start < position; });
-    return growths_[static_cast<std::size_t>(next - splices_.begin()) - 1];
+                                           [position](const Splice& splice) { return splice.start < position; });
+    return next == splices_.begin() ? 0 : std::prev(next)->growth;
 }
 
 }  // namespace vantrel::gnustep

@@ -8,23 +8,14 @@
 
 namespace vantrel::gnustep {
 
-/// A passage of a text, and what comes in its place.
-struct Splice {
-    std::uint32_t start;
-    std::uint32_t end;
-    std::string text;
-};
-
-/// All that is to change in a text.
+/// Passages of a text, and what comes in their place.
 class Splices {
 public:
-    Splices() = default;
-
     /// No two passages may overlap.
-    explicit Splices(std::vector<Splice> splices);
+    void add(std::uint32_t start, std::uint32_t end, std::string text);
 
     /// By how many bytes `text` grows, in numbers that wrap around.
-    std::size_t growth() const { return growths_.empty() ? 0 : growths_.back(); }
+    std::size_t growth() const { return splices_.empty() ? 0 : splices_.back().growth; }
 
     /// What `text` becomes, in pieces of it and of what comes in.
     std::vector<std::string_view> pieces(std::string_view text) const;
@@ -41,12 +32,18 @@ public:
     }
 
 private:
+    struct Splice {
+        std::uint32_t start;
+        std::uint32_t end;
+        std::string text;
+        /// By how much the text grows up to here, in numbers that wrap around.
+        std::size_t growth;
+    };
+
     std::size_t growthBefore(std::uint32_t position) const;
 
-    /// As they come in the text.
+    /// In the order of the text.
     std::vector<Splice> splices_;
-    /// By how much the text grows up to the end of each, in numbers that wrap around.
-    std::vector<std::size_t> growths_;
 };
 
 }  // namespace vantrel::gnustep

@@ -99,17 +99,14 @@ int SystemCalls::flock(int descriptor, int operation) {
     return ::flock(descriptor, operation);
 }
 
-int SystemCalls::listFolder(const char* path, const std::function<bool(std::string_view name)>& isWanted,
-                            std::vector<std::string>& names) {
+int SystemCalls::listFolder(const char* path, std::vector<std::string>& names) {
     DIR* const folder = ::opendir(path);
     if (!folder) return -1;
 #ifdef O_NOATIME
     // The kernel allows it to the folder's owner.
     ::fcntl(::dirfd(folder), F_SETFL, O_NOATIME);
 #endif
-    while (const struct dirent* entry = ::readdir(folder)) {
-        if (isWanted(entry->d_name)) names.emplace_back(entry->d_name);
-    }
+    while (const struct dirent* entry = ::readdir(folder)) names.emplace_back(entry->d_name);
     ::closedir(folder);
     return 0;
 }

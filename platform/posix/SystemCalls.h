@@ -5,9 +5,7 @@
 
 #include <cstddef>
 #include <ctime>
-#include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace vantrel::posix {
@@ -44,10 +42,9 @@ public:
     virtual int rmdir(const char* path);
     /// Takes or frees a lock that dies with the open file.
     virtual int flock(int descriptor, int operation);
-    /// Adds the names in a folder that `isWanted` to `names`, as far as the folder can be read. Where the system allows
-    /// it, that doesn't count as reading: the folder's new time would be one more block to flush with a new file in it.
-    virtual int listFolder(const char* path, const std::function<bool(std::string_view name)>& isWanted,
-                           std::vector<std::string>& names);
+    /// Adds all names in a folder to `names`, as far as it can be read. Where the system allows it, that doesn't count
+    /// as reading: the folder's new time would be one more block to flush with a new file in it.
+    virtual int listFolder(const char* path, std::vector<std::string>& names);
     /// Pauses for as long, signals or not.
     virtual int nanosleep(const struct timespec& duration);
     virtual int clockGettime(clockid_t clock, struct timespec* time);

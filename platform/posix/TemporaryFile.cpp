@@ -87,8 +87,10 @@ int TemporaryFile::renameNoReplace(const std::string& path) {
 void visitLeftovers(SystemCalls& calls, const std::string& folder,
                     const std::function<void(const std::string& path)>& visit) {
     std::vector<std::string> names;
-    if (calls.listFolder(folder.empty() ? "." : folder.c_str(), isTemporaryName, names) != 0) return;
-    for (const auto& name : names) visitIfLeft(calls, inside(folder, name), visit);
+    if (calls.listFolder(folder.empty() ? "." : folder.c_str(), names) != 0) return;
+    for (const auto& name : names) {
+        if (isTemporaryName(name)) visitIfLeft(calls, inside(folder, name), visit);
+    }
 }
 
 void removeLeftovers(SystemCalls& calls, const std::string& folder) {

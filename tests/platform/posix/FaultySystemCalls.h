@@ -106,9 +106,8 @@ public:
     int flock(int descriptor, int operation) override {
         return run("flock", [&] { return SystemCalls::flock(descriptor, operation); });
     }
-    int listFolder(const char* path, const std::function<bool(std::string_view)>& isWanted,
-                   std::vector<std::string>& names) override {
-        return run("listFolder", [&] { return SystemCalls::listFolder(path, isWanted, names); });
+    int listFolder(const char* path, std::vector<std::string>& names) override {
+        return run("listFolder", [&] { return SystemCalls::listFolder(path, names); });
     }
     int nanosleep(const struct timespec& duration) override {
         return run("nanosleep", [&] { return SystemCalls::nanosleep(duration); });
