@@ -19,7 +19,7 @@ import time
 
 OURS = "Vantrel"
 FLOOR = "floor"  # what the system itself needs; no peer
-NODES_OF_A_BLOCK = 16  # of ext4's, as it is made today
+INODES_OF_A_BLOCK = 16  # of ext4's, as it is made today
 
 
 class Place:
@@ -63,9 +63,9 @@ class Place:
 
     def used(self):
         """Makes it like a disk that has been used for long, and tells what has to stay open for that. In a new folder
-        the nodes of the folder and of some stores' files share a block, and these stores would have one less to flush.
+        the inodes of the folder and of some stores' files share a block, and these stores would have one less to flush.
         """
-        for number in range(2 * NODES_OF_A_BLOCK):
+        for number in range(2 * INODES_OF_A_BLOCK):
             self.write(f"used-{number}", "")
         return [open(os.path.join(folder, name), "rb")
                 for folder, _, names in os.walk(self.folder) for name in names

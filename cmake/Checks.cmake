@@ -8,10 +8,10 @@ add_custom_target(format COMMAND clang-format -i ${sources} WORKING_DIRECTORY ${
 add_custom_target(format-check COMMAND clang-format --dry-run -Werror ${sources}
                   WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} COMMENT "Looking at the format of every source" VERBATIM)
 
-# clang-tidy reads what clang compiles, so this one is of clang's build alone. It takes as long for the headers of a file as
-# for what is ours, so it gets all rooms as one file, which nobody compiles, and as another what only macOS has. Alone are
-# programs of one name for many stores, and the command's main function, whose library takes longest. In tests it finds
-# next to nothing, and takes as long again for GoogleMock's headers.
+# clang-tidy reads what clang compiles, so this one is of clang's build alone. It takes as long for the headers of a
+# file as for what is ours, so it gets all rooms as one file, which nobody compiles, and as another what only macOS has.
+# Alone are programs of one name for many stores, and the command's main function, whose library takes longest. In tests
+# it finds next to nothing, and takes as long again for GoogleMock's headers.
 if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
     set(of_rooms ${sources})
     list(FILTER of_rooms EXCLUDE REGEX "\\.h$|^(tests|bench)/|^command/main")

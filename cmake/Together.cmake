@@ -1,6 +1,6 @@
-# compile_together(target sources...): gives a target sources that are compiled as one, in Objective-C++. Each compiled file
-# would have tables of its own for the selectors, classes and texts that it uses, and would read AppKit's headers once
-# more, which takes longer than all of ours. (CMake's UNITY_BUILD does this for Objective-C++ from 3.29 on.)
+# compile_together(target sources...): gives a target sources that are compiled as one, in Objective-C++. Each compiled
+# file would have tables of its own for the selectors, classes and texts that it uses, and would read AppKit's headers
+# once more, which takes longer than all of ours. (CMake's UNITY_BUILD does this for Objective-C++ from 3.29 on.)
 function(compile_together target)
     foreach(source ${ARGN})
         cmake_path(ABSOLUTE_PATH source)

@@ -205,7 +205,8 @@ std::optional<PropertyListUpdate> PropertyList::updateFor(const PropertyListChan
         }
     }
     update.addedAt_ = lineBreakBefore(bytes_, dictionaryEnd_);
-    if (!added.empty()) update.splices_.add(update.addedAt_, update.addedAt_, std::move(added));
+    if (!added.empty()) update.splices_.add(update.addedAt_, update.addedAt_, added);
+    update.splices_.sort();
     if (bytes_.size() + update.splices_.growth() > largestPropertyList) return std::nullopt;
     return update;
 }

@@ -15,12 +15,19 @@ constexpr std::size_t roomToGrow = 1024;
 
 }  // namespace
 
-void Splices::add(std::uint32_t start, std::uint32_t end, std::string text) {
-    const auto growth = text.size() - (end - start);
-    const auto next = std::partition_point(splices_.begin(), splices_.end(),
-                                           [start](const Splice& splice) { return splice.start < start; });
-    for (auto behind = next; behind != splices_.end(); ++behind) behind->growth += growth;
-    splices_.insert(next, {start, end, std::move(text), growthBefore(start) + growth});
+void Splices::add(std::uint32_t start, std::uint32_t end, std::string_view text) {
+    splices_.push_back(
+        {start, end, static_cast<std::uint32_t>(texts_.size()), static_cast<std::uint32_t>(text.size()), 0});
+    texts_ += text;
+}
+
+void Splices::sort() {
+    std::sort(splices_.begin(), splices_.end(),
+              [](const Splice& one, const Splice& other) { return one.start < other.start; });
+    std::size_t growth = 0;
+    for (Splice& splice : splices_) {
+        splice.growth = growth += std::size_t{splice.textLength} - (splice.end - splice.start);
+    }
 }
 
 std::vector<std::string_view> Splices::pieces(std::string_view text) const {
@@ -28,7 +35,7 @@ std::vector<std::string_view> Splices::pieces(std::string_view text) const {
     std::size_t at = 0;
     for (const Splice& splice : splices_) {
         pieces.push_back(text.substr(at, splice.start - at));
-        pieces.push_back(splice.text);
+        pieces.push_back(textOf(splice));
         at = splice.end;
     }
     pieces.push_back(text.substr(at));
@@ -40,7 +47,7 @@ void Splices::applyTo(std::string& text) const {
     if (splices_.size() <= mostInPlace && size <= text.capacity()) {
         // From the end, so that what is still to be replaced stays where it is.
         for (auto splice = splices_.rbegin(); splice != splices_.rend(); ++splice) {
-            text.replace(splice->start, splice->end - splice->start, splice->text);
+            text.replace(splice->start, splice->end - splice->start, textOf(*splice));
         }
         return;
     }
@@ -50,10 +57,11 @@ void Splices::applyTo(std::string& text) const {
     text = std::move(spliced);
 }
 
+/// Behind the first passage.
 std::size_t Splices::growthBefore(std::uint32_t position) const {
     const auto next = std::partition_point(splices_.begin(), splices_.end(),
                                            [position](const Splice& splice) { return splice.start < position; });
-    return next == splices_.begin() ? 0 : std::prev(next)->growth;
+    return std::prev(next)->growth;
 }
 
 }  // namespace vantrel::gnustep

@@ -12,7 +12,10 @@ namespace vantrel::gnustep {
 class Splices {
 public:
     /// No two passages may overlap.
-    void add(std::uint32_t start, std::uint32_t end, std::string text);
+    void add(std::uint32_t start, std::uint32_t end, std::string_view text);
+
+    /// To be called once all are added, and before anything else is asked: a list can have a million of them.
+    void sort();
 
     /// By how many bytes `text` grows, in numbers that wrap around.
     std::size_t growth() const { return splices_.empty() ? 0 : splices_.back().growth; }
@@ -35,15 +38,21 @@ private:
     struct Splice {
         std::uint32_t start;
         std::uint32_t end;
-        std::string text;
+        /// What comes in, in `texts_`.
+        std::uint32_t text;
+        std::uint32_t textLength;
         /// By how much the text grows up to here, in numbers that wrap around.
         std::size_t growth;
     };
 
+    std::string_view textOf(const Splice& splice) const {
+        return std::string_view(texts_).substr(splice.text, splice.textLength);
+    }
+
     std::size_t growthBefore(std::uint32_t position) const;
 
-    /// In the order of the text.
     std::vector<Splice> splices_;
+    std::string texts_;
 };
 
 }  // namespace vantrel::gnustep

@@ -140,6 +140,25 @@ TEST(CachedPropertyListMemory, DamageIsForgottenWithTheFileThatHadIt) {
     EXPECT_LT(small, 500'000U);
 }
 
+TEST(HostileLists, NoChangeTakesLongerThanThirtyReadings) {
+    constexpr int times = 100'000;
+    std::string entries;
+    for (const auto* key : {"z", "a"}) {
+        for (int count = 0; count < times; ++count) entries.append("<key>").append(key).append("</key><true/>");
+    }
+    PropertyListChanges changes;
+    changes.set("a", false);
+    changes.set("z", false);
+
+    const auto start = std::clock();
+    auto list = PropertyList::parse("<dict>" + entries + "</dict>");
+    const auto isRead = std::clock();
+    ASSERT_TRUE(list);
+    list->make(list->updateFor(changes).value());
+    EXPECT_LT(std::clock() - isRead, 30 * (isRead - start));
+    EXPECT_EQ(list->bytes(), "<dict><key>z</key><false/><key>a</key><false/></dict>");
+}
+
 TEST(PropertyListMemory, AListThatGrowsALittleTakesALittleMore) {
     std::string bytes = "<dict><key>a</key><string>" + std::string(1'000'000, 'x') + "</string></dict>";
     bytes.shrink_to_fit();
