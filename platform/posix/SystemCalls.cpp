@@ -31,6 +31,14 @@ int SystemCalls::fsync(int descriptor) {
     return ::fsync(descriptor);
 }
 
+int SystemCalls::fallocate(int descriptor, off_t size) {
+    return ::fallocate(descriptor, FALLOC_FL_KEEP_SIZE, 0, size);
+}
+
+int SystemCalls::syncFileRange(int descriptor, off_t offset, off_t size) {
+    return ::sync_file_range(descriptor, offset, size, SYNC_FILE_RANGE_WRITE);
+}
+
 int SystemCalls::fchmod(int descriptor, mode_t mode) {
     return ::fchmod(descriptor, mode);
 }
@@ -72,11 +80,7 @@ int SystemCalls::rename(const char* from, const char* to) {
 }
 
 int SystemCalls::renameNoReplace(const char* from, const char* to) {
-#ifdef __APPLE__
-    return ::renamex_np(from, to, RENAME_EXCL);
-#else
     return ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
-#endif
 }
 
 int SystemCalls::link(const char* from, const char* to) {
@@ -102,10 +106,8 @@ int SystemCalls::flock(int descriptor, int operation) {
 int SystemCalls::listFolder(const char* path, std::vector<std::string>& names) {
     DIR* const folder = ::opendir(path);
     if (!folder) return -1;
-#ifdef O_NOATIME
     // The kernel allows it to the folder's owner.
     ::fcntl(::dirfd(folder), F_SETFL, O_NOATIME);
-#endif
     while (const struct dirent* entry = ::readdir(folder)) names.emplace_back(entry->d_name);
     ::closedir(folder);
     return 0;

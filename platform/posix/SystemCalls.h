@@ -21,6 +21,10 @@ public:
     virtual ssize_t read(int descriptor, void* buffer, std::size_t size);
     virtual ssize_t write(int descriptor, const void* buffer, std::size_t size);
     virtual int fsync(int descriptor);
+    /// Sets room aside for as many bytes, in one piece if there is one; the file stays as long as it is.
+    virtual int fallocate(int descriptor, off_t size);
+    /// Has the disk begin with the bytes that were written there, without waiting. No flush.
+    virtual int syncFileRange(int descriptor, off_t offset, off_t size);
     virtual int fchmod(int descriptor, mode_t mode);
     /// Sets when an open file was last read and written, in that order.
     virtual int futimens(int descriptor, const struct timespec times[2]);

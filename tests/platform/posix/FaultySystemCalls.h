@@ -61,6 +61,12 @@ public:
         // No test can see what is on the disk, and flushing takes its time.
         return run("fsync", [&] { return ::fcntl(descriptor, F_GETFD) < 0 ? -1 : 0; });
     }
+    int fallocate(int descriptor, off_t size) override {
+        return run("fallocate", [&] { return SystemCalls::fallocate(descriptor, size); });
+    }
+    int syncFileRange(int descriptor, off_t offset, off_t size) override {
+        return run("syncFileRange", [&] { return SystemCalls::syncFileRange(descriptor, offset, size); });
+    }
     int fchmod(int descriptor, mode_t mode) override {
         return run("fchmod", [&] { return SystemCalls::fchmod(descriptor, mode); });
     }

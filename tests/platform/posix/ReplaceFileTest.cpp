@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <functional>
 #include <string>
 
@@ -61,6 +62,42 @@ TEST_F(ReplaceFileTest, TheContentIsOnTheDiskBeforeTheNameAndTheNameBeforeTheEnd
         if (name == "write" || name == "fsync" || name == "rename") order.push_back(name);
     }
     EXPECT_THAT(order, ElementsAre("write", "fsync", "rename", "fsync"));
+}
+
+/// 600 kB in pieces of which none ends where the disk begins with what there is.
+struct LongFileTest : ReplaceFileTest {
+    int replaceByPieces() {
+        FileReplacement replacement(calls, folder / "own");
+        const std::string_view whole = content;
+        const std::array pieces{whole.substr(0, 1000), whole.substr(1000, 499'000), whole.substr(500'000)};
+        if (replacement.prepare(pieces) != 0 || replacement.place() != 0) return -1;
+        return replacement.settle();
+    }
+
+    const std::string content = std::string(300'000, 'a') + std::string(300'000, 'b');
+};
+
+TEST_F(LongFileTest, TheDiskIsBusyWithItsBeginningWhileItsEndIsWritten) {
+    ASSERT_EQ(replaceByPieces(), 0);
+    std::vector<std::string> order;
+    for (const auto& name : calls.made()) {
+        const bool counts = name == "fallocate" || name == "write" || name == "syncFileRange" || name == "fsync";
+        if (counts && (order.empty() || order.back() != name)) order.push_back(name);
+    }
+    EXPECT_THAT(order, ElementsAre("fallocate", "write", "syncFileRange", "write", "syncFileRange", "write", "fsync"));
+}
+
+TEST_F(LongFileTest, ItIsWhole) {
+    calls.mostBytesAtOnce = 100'000;
+    ASSERT_EQ(replaceByPieces(), 0);
+    EXPECT_EQ(folder.read("own"), content);
+}
+
+TEST_F(LongFileTest, WhereTheDiskCantBeginEarlierItIsWholeAllTheSame) {
+    calls.failEvery("fallocate", EOPNOTSUPP);
+    calls.failEvery("syncFileRange", EINVAL);
+    ASSERT_EQ(replaceByPieces(), 0);
+    EXPECT_EQ(folder.read("own"), content);
 }
 
 TEST_F(ReplaceFileTest, ManyShortWritesMakeOneWholeFile) {
