@@ -15,18 +15,18 @@ namespace vantrel {
 namespace enablerPaths {
 
 /// Final Cut Pro itself.
-inline constexpr std::string_view application = "/Applications/Final Cut Pro.app";
+inline constexpr char application[] = "/Applications/Final Cut Pro.app";
 
 /// Its version record, a property list.
-inline constexpr std::string_view versionRecord = "/Applications/Final Cut Pro.app/Contents/version.plist";
+inline constexpr char versionRecord[] = "/Applications/Final Cut Pro.app/Contents/version.plist";
 
 /// The enabler that Final Cut Pro reads.
-inline constexpr std::string_view active =
+inline constexpr char active[] =
     "/Applications/Final Cut Pro.app/Contents/Resources/Non-Localized Settings/FXScripts/Enablers/"
     "RT Software Enabler.txt";
 
 /// Where Final Cut Pro's own enabler waits while ours is active.
-inline constexpr std::string_view backup =
+inline constexpr char backup[] =
     "/Applications/Final Cut Pro.app/Contents/Resources/Non-Localized Settings/FXScripts/Enablers/"
     "RT Software EnablerA.txt";
 

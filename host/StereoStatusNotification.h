@@ -8,8 +8,8 @@
 namespace vantrel {
 
 /// The notification, and the text that stands for who posts it.
-inline constexpr std::string_view stereoStatusChanged = "StereoStatusMenuViewChanged";
-inline constexpr std::string_view stereoStatusSender = "com.vantrel.PreferencePane";
+inline constexpr char stereoStatusChanged[] = "StereoStatusMenuViewChanged";
+inline constexpr char stereoStatusSender[] = "com.vantrel.PreferencePane";
 
 /// Tells the other processes of the user that "ShowStereoStatusMenu" has changed, and logs that it does. The
 /// notification carries no value: whoever shows the menu reads the key when it hears of the change.

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <string_view>
 
 #include "platform/Preferences.h"
+#include "platform/ShortText.h"
 
 namespace vantrel {
 
@@ -18,10 +18,10 @@ enum class OverrideWay {
 
 /// One number of the codec's override metadata, under its four-character key.
 struct OverrideKey {
-    std::string_view name;
+    ShortText name;
     OverrideWay way;
     /// The instance variable that holds the control.
-    std::string_view outlet;
+    ShortText outlet;
 };
 
 namespace overrideKeys {

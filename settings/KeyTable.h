@@ -3,6 +3,7 @@
 #include <string_view>
 #include <variant>
 
+#include "platform/ShortText.h"
 #include "settings/ColorProcessingPath.h"
 
 namespace vantrel {
@@ -19,9 +20,9 @@ enum class Kind {
 
 /// A text that the bundle's default string table holds under a key of its own.
 struct LocalizedText {
-    std::string_view key;
+    ShortText key;
     /// The text when the table has no entry.
-    std::string_view fallback = "a path";
+    ShortText fallback = "a path";
 };
 
 /// What is shown for a key that is absent or mistyped; nothing for a control that keeps the interface file's state.
@@ -55,12 +56,12 @@ struct SettingsKey {
     Repair repair;
     Group group;
     /// The instance variable that holds the control; empty for `ColorProcessingPath`, which several controls share.
-    std::string_view outlet;
+    ShortText outlet;
     colorProcessingPath::Part path = {};
 };
 
 /// The codec's preferences domain.
-inline constexpr std::string_view codecApplicationID = "com.vantrel.codec";
+inline constexpr char codecApplicationID[] = "com.vantrel.codec";
 
 namespace keys {
 

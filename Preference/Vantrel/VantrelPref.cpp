@@ -108,12 +108,12 @@ Reading VantrelPref::setUp(PopUpButton& control, const SettingsKey& key) {
 }
 
 bool VantrelPref::setUpFlag(CheckBox& control, std::string_view name) {
-    const SettingsKey key{name, Kind::flag, true, Repair::written, Group::untouched, {}};
+    const SettingsKey key{name, Kind::flag, true, Repair::written, Group::untouched, ""};
     return setUp(control, key).repair.has_value();
 }
 
 bool VantrelPref::setUpRow(RadioMatrix& control, std::string_view name) {
-    const SettingsKey key{name, Kind::row, 0L, Repair::written, Group::untouched, {}};
+    const SettingsKey key{name, Kind::row, 0L, Repair::written, Group::untouched, ""};
     return setUp(control, key).repair.has_value();
 }
 

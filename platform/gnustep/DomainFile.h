@@ -20,7 +20,7 @@
 namespace vantrel::gnustep {
 
 /// What stands between the name of a damaged file and its time of change in its second name.
-inline constexpr std::string_view setAsideMark = ".unreadable-";
+inline constexpr char setAsideMark[] = ".unreadable-";
 
 /// One domain: its file in the defaults folder, which other processes read and write as well, and the changes made here
 /// that haven't reached it yet.

@@ -9,9 +9,8 @@
 namespace vantrel::gnustep {
 namespace {
 
-constexpr std::string_view whiteSpace = " \t\n\v\f\r";
-constexpr std::string_view base64Characters =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/= \t\n\r";
+constexpr char whiteSpace[] = " \t\n\v\f\r";
+constexpr char base64Characters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/= \t\n\r";
 
 bool isUnquoted(char character) {
     constexpr std::string_view others = "\"'(),;<=>[\\]`{}";
@@ -159,7 +158,7 @@ private:
         data.reserve(digits.size() / 2);
         int byte = 1;
         for (const char character : digits) {
-            if (whiteSpace.find(character) != std::string_view::npos) continue;
+            if (std::string_view(whiteSpace).find(character) != std::string_view::npos) continue;
             if (digit(character) > 15) return false;
             // The leading 1 tells when there are two digits.
             byte = byte << 4 | digit(character);

@@ -35,12 +35,12 @@ void appendElement(std::string& xml, std::string_view name, std::string_view con
 void appendTextElement(std::string& xml, std::string_view name, std::string_view text);
 
 /// What stands before and behind the dictionary of a list that is made here.
-inline constexpr std::string_view listStart =
+inline constexpr char listStart[] =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
     "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
     "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
     "<plist version=\"1.0\">\n";
-inline constexpr std::string_view listEnd = "</plist>\n";
+inline constexpr char listEnd[] = "</plist>\n";
 
 /// `data` in base64.
 std::string base64(std::string_view data);

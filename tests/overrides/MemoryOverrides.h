@@ -43,7 +43,7 @@ private:
 
         std::optional<std::int32_t> number(const OverrideKey& key) override {
             owner_.journal_.record("overrides read " + std::string(key.name));
-            const auto found = entries_.find(key.name);
+            const auto found = entries_.find(std::string(key.name));
             return found == entries_.end() ? std::nullopt : std::optional(found->second);
         }
 

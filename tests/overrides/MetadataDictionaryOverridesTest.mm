@@ -68,13 +68,13 @@ TEST_F(MetadataDictionaryOverridesTest, WhatIsStoredKeepsItsType) {
 
 TEST_F(MetadataDictionaryOverridesTest, ANumberThatGoesThroughTheDictionaryIsHandedBackInIt) {
     recorded::set(@"CPUM", [NSNumber numberWithInt:2]);
-    EXPECT_TRUE(overrides.write({"CLSF", OverrideWay::throughDictionary, {}}, -1));
+    EXPECT_TRUE(overrides.write({"CLSF", OverrideWay::throughDictionary, ""}, -1));
     EXPECT_THAT(recorded::calls(), ElementsAre("alloc", "initFromOverride", "metadata", "setMetadata: CLSF=-1 CPUM=2",
                                                "writeToOverride: 0"));
 }
 
 TEST_F(MetadataDictionaryOverridesTest, ANumberThatGoesThroughTheInstanceIsAddedToIt) {
-    EXPECT_TRUE(overrides.write({"CPUM", OverrideWay::throughInstance, {}}, 3));
+    EXPECT_TRUE(overrides.write({"CPUM", OverrideWay::throughInstance, ""}, 3));
     EXPECT_THAT(recorded::calls(),
                 ElementsAre("alloc", "initFromOverride", "addObject:withKey: 3 CPUM", "writeToOverride: 0"));
 }

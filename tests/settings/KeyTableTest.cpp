@@ -72,7 +72,7 @@ TEST(KeyTable, NamesEveryKeyInTheOrderOfTheSetUp) {
 }
 
 TEST(KeyTable, BelongsToTheCodecsDomain) {
-    EXPECT_EQ(codecApplicationID, "com.vantrel.codec");
+    EXPECT_STREQ(codecApplicationID, "com.vantrel.codec");
 }
 
 }  // namespace
