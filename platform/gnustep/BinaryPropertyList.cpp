@@ -11,13 +11,15 @@
 #include <optional>
 
 #include "platform/gnustep/PropertyList.h"
+#include "platform/gnustep/UniversalTime.h"
 #include "platform/gnustep/XMLText.h"
 #include "platform/text/UTF16.h"
 
 namespace vantrel::gnustep {
 namespace {
 
-constexpr std::string_view magic = "bplist00";
+constexpr char magic[] = "bplist00";
+constexpr std::size_t magicSize = sizeof magic - 1;
 constexpr std::size_t trailerSize = 32;
 
 std::string textOfReal(double number) {
@@ -34,13 +36,7 @@ std::string textOfDate(double seconds) {
     constexpr auto first = static_cast<double>((sys_days{0y / January / 1} - reference).count());
     constexpr auto end = static_cast<double>((sys_days{10000y / January / 1} - reference).count());
     if (!(seconds >= first && seconds < end)) return {};
-    const auto time = reference + std::chrono::seconds(static_cast<std::int64_t>(std::floor(seconds)));
-    const year_month_day date(floor<days>(time));
-    const auto ofDay = static_cast<unsigned>((time - floor<days>(time)).count());
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02u:%02u:%02uZ", int{date.year()}, unsigned{date.month()},
-                  unsigned{date.day()}, ofDay / 3600, ofDay / 60 % 60, ofDay % 60);
-    return text.data();
+    return universalTime(reference + floor<std::chrono::seconds>(duration<double>(seconds)));
 }
 
 /// What is too long is cut short, but not so short that it could be written.
@@ -63,7 +59,7 @@ public:
     }
 
     std::string toXML() {
-        if (bytes_.size() < magic.size() + trailerSize || !bytes_.starts_with(magic)) return {};
+        if (bytes_.size() < magicSize + trailerSize || !bytes_.starts_with(magic)) return {};
         const auto trailer = bytes_.size() - trailerSize;
         offsetSize_ = integerAt(trailer + 6, 1);
         referenceSize_ = integerAt(trailer + 7, 1);
@@ -88,7 +84,7 @@ private:
     std::optional<Object> object(std::uint64_t index) const {
         if (index >= count_) return std::nullopt;
         const auto offset = integerAt(end_ + index * offsetSize_, offsetSize_);
-        if (offset < magic.size() || offset >= end_) return std::nullopt;
+        if (offset < magicSize || offset >= end_) return std::nullopt;
         const auto marker = integerAt(offset, 1);
         Object object{static_cast<unsigned>(marker >> 4), marker & 0xF, static_cast<std::size_t>(offset) + 1};
         if (object.kind >= 0x4 && object.kind != 0x8 && object.count == 0xF) {

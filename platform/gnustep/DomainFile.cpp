@@ -1,11 +1,11 @@
 #include "platform/gnustep/DomainFile.h"
 
-#include <array>
 #include <cerrno>
-#include <ctime>
+#include <chrono>
 #include <map>
 #include <utility>
 
+#include "platform/gnustep/UniversalTime.h"
 #include "platform/posix/Folders.h"
 #include "platform/posix/ReplaceFile.h"
 
@@ -22,11 +22,10 @@ constexpr int mostNames = 100;
 constexpr int mostTries = 10;
 
 /// "20240229T235959Z".
-std::string universalTime(const struct timespec& time) {
-    struct tm parts {};
-    std::array<char, sizeof "20240229T235959Z"> text{};
-    if (!gmtime_r(&time.tv_sec, &parts)) return "then";
-    return {text.data(), std::strftime(text.data(), text.size(), "%Y%m%dT%H%M%SZ", &parts)};
+std::string timestamp(const struct timespec& time) {
+    auto text = universalTime(std::chrono::sys_seconds(std::chrono::seconds(time.tv_sec)));
+    std::erase_if(text, [](char character) { return character == '-' || character == ':'; });
+    return text;
 }
 
 bool cantLink(int error) {
@@ -183,7 +182,7 @@ std::optional<Trouble> DomainFile::place(Next& next) {
 /// Gives a damaged file a free second name beside it and logs that: the new file can then take its first one, without a
 /// moment in which there is neither. 0, or -1 and `errno`.
 int DomainFile::keepAside(const std::string& path) {
-    const std::string kept = path + std::string(setAsideMark) + universalTime(file_.status().st_mtim);
+    const std::string kept = path + std::string(setAsideMark) + timestamp(file_.status().st_mtim);
     for (int number = 1; number <= mostNames; ++number) {
         std::string free = kept;
         if (number > 1) free += '-' + std::to_string(number);

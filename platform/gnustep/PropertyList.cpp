@@ -44,8 +44,9 @@ std::optional<long> integerFromReal(std::string_view text) {
     const auto number = numberFrom<double>(digits);
     // The largest integer isn't always a double itself, the power of two behind it is.
     constexpr auto lowest = static_cast<double>(std::numeric_limits<long>::min());
-    if (!number || !(*number >= lowest && *number < -lowest) || std::trunc(*number) != *number) return std::nullopt;
-    return static_cast<long>(*number);
+    if (!number || !(*number >= lowest && *number < -lowest)) return std::nullopt;
+    const auto whole = static_cast<long>(*number);
+    return static_cast<double>(whole) == *number ? std::optional(whole) : std::nullopt;
 }
 
 /// The first letter of the tag: of the types that are read here, no two have the same.

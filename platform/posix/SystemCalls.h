@@ -14,8 +14,6 @@ namespace vantrel::posix {
 /// failure. A test derives from it to make one call fail, or to see which were made.
 class SystemCalls {
 public:
-    virtual ~SystemCalls() = default;
-
     virtual int open(const char* path, int flags, mode_t mode = 0);
     virtual int close(int descriptor);
     virtual ssize_t read(int descriptor, void* buffer, std::size_t size);

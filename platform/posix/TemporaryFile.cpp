@@ -12,8 +12,7 @@
 namespace vantrel::posix {
 namespace {
 
-constexpr std::string_view prefix = ".Vantrel-unfinished-";
-constexpr std::string_view randomEnd = "XXXXXX";
+constexpr char nameTemplate[] = ".Vantrel-unfinished-XXXXXX";
 /// How often a new file may be taken for left behind before it is locked.
 constexpr int mostTries = 5;
 
@@ -23,8 +22,10 @@ bool isLetterOrDigit(char character) {
 }
 
 bool isTemporaryName(std::string_view name) {
-    return name.size() == prefix.size() + randomEnd.size() && name.starts_with(prefix) &&
-           std::all_of(name.begin() + prefix.size(), name.end(), isLetterOrDigit);
+    const std::string_view ours = nameTemplate;
+    const auto start = ours.substr(0, ours.find('X'));
+    return name.size() == ours.size() && name.starts_with(start) &&
+           std::all_of(name.begin() + start.size(), name.end(), isLetterOrDigit);
 }
 
 std::string inside(const std::string& folder, std::string_view name) {
@@ -59,7 +60,7 @@ TemporaryFile::~TemporaryFile() {
 int TemporaryFile::create(const std::string& folder) {
     removeLeftovers(calls_, folder);
     for (int tries = 0; tries < mostTries; ++tries) {
-        std::string path = inside(folder, prefix).append(randomEnd);
+        std::string path = inside(folder, nameTemplate);
         file_.emplace(calls_, calls_.mkostemp(path.data()));
         if (!file_->isOpen()) return -1;
         if (isKept(calls_, *file_)) {
