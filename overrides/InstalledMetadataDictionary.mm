@@ -1,6 +1,7 @@
 #import "overrides/InstalledMetadataDictionary.h"
 
 #include <dlfcn.h>
+#include <objc/runtime.h>
 
 namespace vantrel {
 
@@ -8,9 +9,9 @@ namespace vantrel {
 // their state; and where the host has brought a class of the name, no second one comes along. The loader looks beside
 // the pane's own binary first where that says so (a user's installation), then where the system keeps libraries.
 Class installedMetadataDictionary() {
-    Class found = NSClassFromString(@"MetadataDictionary");
+    Class found = objc_lookUpClass("MetadataDictionary");
     if (!found && dlopen("libKVRXMetadataDictionary.so.1", RTLD_NOW)) {
-        found = NSClassFromString(@"MetadataDictionary");
+        found = objc_lookUpClass("MetadataDictionary");
     }
     return found;
 }

@@ -1,7 +1,7 @@
 # The bundle that the settings host loads, Vantrel.prefPane, in the build folder.
-# The bundle but for the system's services, which make it a whole.
-add_library(pane_surface OBJECT)
-target_link_libraries(pane_surface PUBLIC vantrel_pane vantrel_cocoa_overrides vantrel_appkit preferencepanes)
+# What the bundle stands on but for the system's services.
+add_library(pane_surface INTERFACE)
+target_link_libraries(pane_surface INTERFACE vantrel_pane vantrel_cocoa_overrides vantrel_appkit preferencepanes)
 
 add_library(pane MODULE)
 target_link_libraries(pane PRIVATE pane_surface vantrel_system)
@@ -9,13 +9,18 @@ set_target_properties(pane PROPERTIES LINKER_LANGUAGE CXX)
 set_target_properties(pane PROPERTIES OUTPUT_NAME Vantrel PREFIX "" SUFFIX "")
 
 if(APPLE)
-    compile_together(pane_surface PaneView.mm PrincipalClass.mm)
+    compile_together(pane PaneView.mm PrincipalClass.mm)
     set_target_properties(pane PROPERTIES BUNDLE TRUE BUNDLE_EXTENSION prefPane
                           MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_SOURCE_DIR}/Resources/Info.plist.in
                           LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
     set(bundle_resources ${PROJECT_BINARY_DIR}/Vantrel.prefPane/Contents/Resources)
 else()
-    compile_together(pane_surface PaneView.mm PrincipalClass.mm StandardImages.mm)
+    # Its rooms' Objective-C++ once more, and instead of theirs: so there is one of each table that the runtime wants.
+    compile_together(pane PaneView.mm PrincipalClass.mm StandardImages.mm
+                     ${PROJECT_BINARY_DIR}/platform/cocoa/vantrel_appkit.mm
+                     ${PROJECT_BINARY_DIR}/platform/cocoa/vantrel_cocoa.mm
+                     ${PROJECT_BINARY_DIR}/overrides/vantrel_cocoa_overrides.mm
+                     ${PROJECT_SOURCE_DIR}/system/SystemServicesGNUstep.mm)
     # The host loads many bundles into one process: nothing of ours may be seen outside but the class, which the
     # Objective-C runtime finds without a symbol.
     target_link_libraries(pane PRIVATE vantrel_loadable)

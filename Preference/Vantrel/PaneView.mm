@@ -2,6 +2,11 @@
 
 #ifdef GNUSTEP
 #import "Preference/Vantrel/StandardImages.h"
+#import "platform/cocoa/CocoaText.h"
+
+// Those of Debian's packages with Japanese fonts. One that isn't installed is passed over.
+static const char japaneseFonts[][24] = {"NotoSansCJKjp-Regular", "IPAexGothic", "IPAPGothic", "TakaoPGothic",
+                                         "VL-PGothic-Regular"};
 #endif
 
 @implementation VantrelPaneView
@@ -10,11 +15,9 @@
 + (void)initialize {
     if (self != [VantrelPaneView class]) return;
     vantrel::registerStandardImages();
-    // Those of Debian's packages with Japanese fonts. One that isn't installed is passed over.
-    NSArray *japanese = [NSArray arrayWithObjects:@"NotoSansCJKjp-Regular", @"IPAexGothic", @"IPAPGothic",
-                                                  @"TakaoPGothic", @"VL-PGothic-Regular", nil];
-    NSArray *preferred = [NSFont preferredFontNames];
-    [NSFont setPreferredFontNames:preferred ? [preferred arrayByAddingObjectsFromArray:japanese] : japanese];
+    NSMutableArray *names = [NSMutableArray arrayWithArray:[NSFont preferredFontNames]];
+    for (const char *name : japaneseFonts) [names addObject:vantrel::cocoa::toNSString(name)];
+    [NSFont setPreferredFontNames:names];
 }
 #endif
 

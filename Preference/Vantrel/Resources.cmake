@@ -37,7 +37,7 @@ else()
     gnustep_home(archiving_home)
     add_executable(archive_interface)
     compile_together(archive_interface ArchiveInterface.mm PaneView.mm StandardImages.mm)
-    target_link_libraries(archive_interface PRIVATE vantrel_warnings appkit)
+    target_link_libraries(archive_interface PRIVATE vantrel_cocoa appkit)
     set(archiver archive_interface)
     set(compile_interface ${CMAKE_COMMAND} -E env GNUSTEP_CONFIG_FILE=${archiving_home}/GNUstep.conf
                           ASAN_OPTIONS=detect_leaks=0 $<TARGET_FILE:archive_interface>)

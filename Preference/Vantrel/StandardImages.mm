@@ -3,6 +3,11 @@
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
 
+#import "platform/cocoa/CocoaText.h"
+
+using vantrel::cocoa::toNSString;
+using vantrel::cocoa::toUTF8;
+
 /// Draws itself by way of a sheet that all of these images share. GNUstep draws an image by way of a window of its own,
 /// which nobody sees; to make one takes ten answers of the display, and each is told the application's icon.
 @interface VantrelStandardImage : NSImage {
@@ -12,18 +17,19 @@
 
 @implementation VantrelStandardImage
 
-/// Where the image is in the sheet; empty if there is no room for it.
-- (NSRect)placeIn:(NSImage *)sheet {
+/// Where an image is in the sheet; empty if there is no room for it.
+static NSRect placeIn(NSImage *sheet, VantrelStandardImage *image) {
     static CGFloat end = 0;
-    const NSRect next = {NSMakePoint(end, 0), [self size]};
-    if (NSIsEmptyRect(place) && NSContainsRect(NSMakeRect(0, 0, [sheet size].width, [sheet size].height), next)) {
+    const NSRect next = {NSMakePoint(end, 0), [image size]};
+    const NSRect room = {NSZeroPoint, [sheet size]};
+    if (NSIsEmptyRect(image->place) && NSContainsRect(room, next)) {
         [sheet lockFocus];
-        [[self bestRepresentationForDevice:nil] drawInRect:next];
+        [[image bestRepresentationForDevice:nil] drawInRect:next];
         [sheet unlockFocus];
-        place = next;
+        image->place = next;
         end = NSMaxX(next);
     }
-    return place;
+    return image->place;
 }
 
 - (void)drawInRect:(NSRect)target
@@ -36,7 +42,7 @@
     // On paper, and where only a part of the image is wanted, there is nothing to gain.
     const bool isWhole = NSIsEmptyRect(part) && !NSIsEmptyRect(target);
     const bool isOnScreen = [[NSGraphicsContext currentContext] isDrawingToScreen];
-    const NSRect inSheet = isWhole && isOnScreen ? [self placeIn:sheet] : NSZeroRect;
+    const NSRect inSheet = isWhole && isOnScreen ? placeIn(sheet, self) : NSZeroRect;
     if (NSIsEmptyRect(inSheet)) {
         [super drawInRect:target
                   fromRect:part
@@ -88,9 +94,8 @@ const StandardImage standardImages[] = {
 
 /// The image in the first library that has the file; nil if none has.
 NSImage *imageFromLibraries(NSArray *libraries, const char *file) {
-    NSString *place = [NSString stringWithFormat:@"Images/%s.tiff", file];
     for (NSUInteger i = 0; i < [libraries count]; ++i) {
-        NSString *path = [[libraries objectAtIndex:i] stringByAppendingPathComponent:place];
+        NSString *path = toNSString(toUTF8([libraries objectAtIndex:i]) + "/Images/" + file + ".tiff");
         NSImage *image = [[[VantrelStandardImage alloc] initByReferencingFile:path] autorelease];
         if (image) return image;
     }
@@ -100,11 +105,11 @@ NSImage *imageFromLibraries(NSArray *libraries, const char *file) {
 }  // namespace
 
 void registerStandardImages() {
-    if ([[[GSTheme theme] bundle] pathForResource:@"ThemeImages" ofType:nil]) return;
+    if ([[[GSTheme theme] bundle] pathForResource:toNSString("ThemeImages") ofType:nil]) return;
     NSArray *libraries = NSSearchPathForDirectoriesInDomains(NSLibraryDirectory, NSAllDomainsMask, YES);
     // An image keeps its name and the name its image; if there is one of that name, nothing happens.
     for (const auto &[name, file] : standardImages) {
-        [imageFromLibraries(libraries, file) setName:[NSString stringWithUTF8String:name]];
+        [imageFromLibraries(libraries, file) setName:toNSString(name)];
     }
 }
 

@@ -9,14 +9,8 @@ namespace vantrel::cocoa {
 void CocoaAlerts::runModal(const Alert &alert) {
     NSAlert *panel = [NSAlert new];
     [panel setMessageText:toNSString(alert.messageText)];
-    if (alert.informativeText) {
-        [panel setInformativeText:toNSString(*alert.informativeText)];
-    } else {
-#ifdef GNUSTEP
-        // Left without, GNUstep's alert says "No information".
-        [panel setInformativeText:@""];
-#endif
-    }
+    // Left without, GNUstep's alert says "No information".
+    [panel setInformativeText:toNSString(alert.informativeText.value_or(""))];
     [panel runModal];
     [panel release];
 }

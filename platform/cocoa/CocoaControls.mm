@@ -39,7 +39,7 @@ void CocoaPopUpButton::removeAllItems() {
 void CocoaPopUpButton::addItemWithTitle(std::string_view title) {
 #ifdef GNUSTEP
     // GNUstep's own puts an item into the menu and then changes it four times, and the menu measures itself each time.
-    NSMenuItem *item = [[NSMenuItem alloc] initWithTitle:toNSString(title) action:nullptr keyEquivalent:@""];
+    NSMenuItem *item = [[NSMenuItem alloc] initWithTitle:toNSString(title) action:nullptr keyEquivalent:toNSString("")];
     [item setOnStateImage:nil];
     [item setMixedStateImage:nil];
     [[button_ menu] addItem:item];

@@ -6,7 +6,7 @@ namespace vantrel::cocoa {
 
 id &CocoaOutlets::variable(std::string_view name) const {
     static id none = nil;
-    Ivar found = class_getInstanceVariable([owner_ class], std::string(name).c_str());
+    Ivar found = class_getInstanceVariable(object_getClass(owner_), std::string(name).c_str());
     if (!found) return none;
     char *object = (char *)owner_;
     return *reinterpret_cast<id *>(object + ivar_getOffset(found));

@@ -16,9 +16,9 @@ NSString *stringWithUnits(std::u16string_view units) {
 NSString *stringWithUnit(char16_t unit) {
     const bool isHigh = unit >= 0xD800 && unit <= 0xDBFF;
     const bool isLow = unit >= 0xDC00 && unit <= 0xDFFF;
-    if (isHigh) return [stringWithUnits(std::u16string{unit, 0xDC00}) substringToIndex:1];
-    if (isLow) return [stringWithUnits(std::u16string{0xD800, unit}) substringFromIndex:1];
-    return stringWithUnits({&unit, 1});
+    if (!isHigh && !isLow) return stringWithUnits({&unit, 1});
+    const std::u16string pair{isHigh ? unit : u'\xD800', isLow ? unit : u'\xDC00'};
+    return [stringWithUnits(pair) substringWithRange:NSMakeRange(isLow ? 1 : 0, 1)];
 }
 
 }  // namespace
@@ -27,9 +27,9 @@ NSString *toNSString(std::string_view text) {
     const std::u16string units = text::toUTF16(text);
     if (NSString *string = stringWithUnits(units)) return string;
     // GNUstep makes no string with half a surrogate pair in it, but keeps one that comes to have it.
-    NSMutableString *string = [NSMutableString string];
+    NSMutableString *string = [[NSMutableString new] autorelease];
     for (const char16_t unit : units) [string appendString:stringWithUnit(unit)];
-    return [[string copy] autorelease];
+    return string;
 }
 
 std::string toUTF8(NSString *string) {
