@@ -13,9 +13,10 @@ namespace {
 /// As many links in a row as the kernel itself follows.
 constexpr int mostLinks = 40;
 constexpr std::size_t longestLink = 4096;
-/// A file that is longer is written in stretches of so many bytes. The disk begins with each while the next is written,
-/// which takes a tenth less time for 600 kB and a quarter less for 7 MB than to begin with the flush.
-constexpr std::size_t stretch = std::size_t{256} * 1024;
+/// So much of a long file is written before the disk begins with it, and as much again, and twice, four times as much.
+/// To write while the disk does takes a tenth less time for 600 kB, and a quarter for 7 MB, than to begin with the
+/// flush.
+constexpr std::size_t firstStretch = std::size_t{256} * 1024;
 
 /// Follows the links at `path`, so that it names the file itself or where a link says there should be one.
 int followLinks(SystemCalls& calls, std::string& path) {
@@ -38,16 +39,21 @@ int writeInStretches(SystemCalls& calls, int file, std::span<const std::string_v
     std::size_t size = 0;
     for (const auto piece : pieces) size += piece.size();
     // Otherwise the disk would look for a place for each stretch.
-    if (size > stretch) calls.fallocate(file, static_cast<off_t>(size));
+    if (size > firstStretch) calls.fallocate(file, static_cast<off_t>(size));
 
     std::size_t written = 0;
+    std::size_t start = 0;
+    std::size_t end = firstStretch;
     for (auto piece : pieces) {
         while (!piece.empty()) {
-            const auto part = piece.substr(0, stretch - written % stretch);
+            const auto part = piece.substr(0, end - written);
             if (writeAll(calls, file, part.data(), part.size()) != 0) return -1;
             piece.remove_prefix(part.size());
             written += part.size();
-            if (written % stretch == 0) calls.syncFileRange(file, static_cast<off_t>(written - stretch), stretch);
+            if (written < end) continue;
+            calls.syncFileRange(file, static_cast<off_t>(start), static_cast<off_t>(end - start));
+            start = end;
+            end *= 2;
         }
     }
     return 0;
