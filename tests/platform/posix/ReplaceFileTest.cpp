@@ -84,7 +84,8 @@ TEST_F(LongFileTest, TheDiskIsBusyWithItsBeginningWhileItsEndIsWritten) {
         const bool counts = name == "fallocate" || name == "write" || name == "syncFileRange" || name == "fsync";
         if (counts && (order.empty() || order.back() != name)) order.push_back(name);
     }
-    EXPECT_THAT(order, ElementsAre("fallocate", "write", "syncFileRange", "write", "syncFileRange", "write", "fsync"));
+    EXPECT_THAT(order, ElementsAre("fallocate", "write", "syncFileRange", "write", "syncFileRange", "write",
+                                   "syncFileRange", "write", "fsync"));
 }
 
 TEST_F(LongFileTest, ItIsWhole) {
