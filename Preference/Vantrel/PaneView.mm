@@ -2,11 +2,12 @@
 
 #ifdef GNUSTEP
 #import "Preference/Vantrel/StandardImages.h"
+#include "platform/ShortText.h"
 #import "platform/cocoa/CocoaText.h"
 
 // Those of Debian's packages with Japanese fonts. One that isn't installed is passed over.
-static const char japaneseFonts[][24] = {"NotoSansCJKjp-Regular", "IPAexGothic", "IPAPGothic", "TakaoPGothic",
-                                         "VL-PGothic-Regular"};
+static constexpr vantrel::ShortText japaneseFonts[] = {"NotoSansCJKjp-Regular", "IPAexGothic", "IPAPGothic",
+                                                       "TakaoPGothic", "VL-PGothic-Regular"};
 #endif
 
 @implementation VantrelPaneView
@@ -16,7 +17,7 @@ static const char japaneseFonts[][24] = {"NotoSansCJKjp-Regular", "IPAexGothic",
     if (self != [VantrelPaneView class]) return;
     vantrel::registerStandardImages();
     NSMutableArray *names = [NSMutableArray arrayWithArray:[NSFont preferredFontNames]];
-    for (const char *name : japaneseFonts) [names addObject:vantrel::cocoa::toNSString(name)];
+    for (const auto &name : japaneseFonts) [names addObject:vantrel::cocoa::toNSString(name)];
     [NSFont setPreferredFontNames:names];
 }
 #endif

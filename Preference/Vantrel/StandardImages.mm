@@ -3,6 +3,7 @@
 #import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
 
+#include "platform/ShortText.h"
 #import "platform/cocoa/CocoaText.h"
 
 using vantrel::cocoa::toNSString;
@@ -72,12 +73,12 @@ namespace vantrel {
 namespace {
 
 struct StandardImage {
-    char name[20];
-    char file[20];
+    ShortText name;
+    ShortText file;
 };
 
 // What the pane's controls show. Where the columns differ, GNUstep's Images/nsmapping.strings leads to the name.
-const StandardImage standardImages[] = {
+constexpr StandardImage standardImages[] = {
     {"GSSwitch", "common_SwitchOff"},
     {"GSSwitchSelected", "common_SwitchOn"},
     {"GSRadio", "common_RadioOff"},
@@ -93,9 +94,10 @@ const StandardImage standardImages[] = {
 };
 
 /// The image in the first library that has the file; nil if none has.
-NSImage *imageFromLibraries(NSArray *libraries, const char *file) {
+NSImage *imageFromLibraries(NSArray *libraries, std::string_view file) {
     for (NSUInteger i = 0; i < [libraries count]; ++i) {
-        NSString *path = toNSString(toUTF8([libraries objectAtIndex:i]) + "/Images/" + file + ".tiff");
+        const std::string folder = toUTF8([libraries objectAtIndex:i]) + "/Images/";
+        NSString *path = toNSString(folder + std::string(file) + ".tiff");
         NSImage *image = [[[VantrelStandardImage alloc] initByReferencingFile:path] autorelease];
         if (image) return image;
     }

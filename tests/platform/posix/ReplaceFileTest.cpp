@@ -88,6 +88,25 @@ TEST_F(LongFileTest, TheDiskIsBusyWithItsBeginningWhileItsEndIsWritten) {
                                    "syncFileRange", "write", "fsync"));
 }
 
+TEST_F(LongFileTest, TheDiskBeginsWithEachPartOnce) {
+    struct NotingCalls : FaultySystemCalls {
+        int syncFileRange(int descriptor, off_t offset, off_t size) override {
+            EXPECT_EQ(offset, end);
+            end = offset + size;
+            return FaultySystemCalls::syncFileRange(descriptor, offset, size);
+        }
+        off_t end = 0;
+    } noting;
+    ASSERT_EQ(replaceFile(noting, folder / "own", content), 0);
+    EXPECT_GT(noting.end, 0);
+    EXPECT_LE(noting.end, static_cast<off_t>(content.size()));
+}
+
+TEST_F(ReplaceFileTest, AShortFileIsWrittenWithoutAnyOfThis) {
+    ASSERT_EQ(replace("own"), 0);
+    EXPECT_EQ(calls.count("fallocate") + calls.count("syncFileRange"), 0);
+}
+
 TEST_F(LongFileTest, ItIsWhole) {
     calls.mostBytesAtOnce = 100'000;
     ASSERT_EQ(replaceByPieces(), 0);
