@@ -400,20 +400,33 @@ TEST_F(Bundle, AFolderMayBeAnyText) {
 }
 
 TEST_F(Bundle, AFolderWithHalfASurrogatePairIsShownAndKept) {
-    const unichar units[] = {'/', 'l', 0xD83C, 0xDFAC};
-    NSString *const half = [[NSString stringWithCharacters:units length:4] substringToIndex:3];
-    NSMutableDictionary *domain = completeDomain();
-    [domain setObject:half forKey:@"LUTsPath"];
-    writeDomainFile(domain);
-    const Pane pane;
-    EXPECT_TRUE([[pane.variable("_LUTsPath") stringValue] isEqual:half]);
-    EXPECT_TRUE([pane.variable("_LUTsPathString") isEqual:half]);
+    const unichar units[] = {'/', 'l', 0xD83C, 0xDFAC, '!'};
+    NSString *const whole = [NSString stringWithCharacters:units length:5];
+    for (NSString *half : {[whole substringToIndex:3], [whole substringFromIndex:3]}) {
+        NSMutableDictionary *domain = completeDomain();
+        [domain setObject:half forKey:@"LUTsPath"];
+        writeDomainFile(domain);
+        const Pane pane;
+        EXPECT_TRUE([[pane.variable("_LUTsPath") stringValue] isEqual:half]);
+        EXPECT_TRUE([pane.variable("_LUTsPathString") isEqual:half]);
 
-    pane.type("_overridePath", half);
-    pane.click("_overrideOK");
-    const Pane next;
-    EXPECT_TRUE([[next.variable("_LUTsPath") stringValue] isEqual:half]);
-    EXPECT_TRUE([[next.variable("_overridePath") stringValue] isEqual:half]);
+        pane.type("_overridePath", half);
+        pane.click("_overrideOK");
+        const Pane next;
+        EXPECT_TRUE([[next.variable("_LUTsPath") stringValue] isEqual:half]);
+        EXPECT_TRUE([[next.variable("_overridePath") stringValue] isEqual:half]);
+    }
+}
+
+TEST_F(Bundle, FontsThatAreAlreadyPreferredComeBeforeTheJapaneseOnes) {
+    writeDomainFile(completeDomain());
+    const Pane pane;
+    NSArray *const preferred = [[[NSFont preferredFontNames] retain] autorelease];
+    [NSFont setPreferredFontNames:[NSArray arrayWithObject:@"Another"]];
+    [NSClassFromString(@"VantrelPaneView") initialize];
+    EXPECT_EQ([[NSFont preferredFontNames] indexOfObject:@"Another"], 0U);
+    EXPECT_TRUE([[NSFont preferredFontNames] containsObject:@"IPAexGothic"]);
+    [NSFont setPreferredFontNames:preferred];
 }
 
 TEST_F(Bundle, TheOperationsOnTheSettingsAnswerToTheirSelectors) {
